@@ -1,0 +1,215 @@
+#pragma once
+// The unit Statistics: descriptive statistics, hypothesis tests, distribution
+// moments and random variates, and factorial designs.
+//
+// Every operation checks its arguments and raises EArrayError with a fixed
+// message; errors raised while it works reach the caller prefixed with the
+// operation's name ("ZTest : ..."). Outputs are caller-owned objects that the
+// operation sizes; an output may be the same object as an input.
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "statkit/Array.h"
+
+namespace statkit::Statistics {
+
+using statkit::EArrayError;
+using statkit::INF;
+using statkit::IsInf;
+using statkit::IsNan;
+using statkit::TCplx;
+using statkit::TDenseKalpa;
+using statkit::TKalpa;
+using statkit::TMtx;
+using statkit::TVec;
+
+// --- shared enumerations ----------------------------------------------------
+
+/// \brief Alternative hypothesis: two-sided, upper tail, lower tail.
+enum THypothesisType : std::uint8_t { htTwoTailed, htRightTailed, htLeftTailed };
+inline constexpr std::array<std::string_view, 3> THypothesisTypeNames{"htTwoTailed", "htRightTailed",
+                                                                      "htLeftTailed"};
+
+/// \brief Outcome of a test: not rejected, rejected, undecidable (NaN significance).
+enum THypothesisResult : std::uint8_t { hrNotReject, hrReject, hrNan };
+inline constexpr std::array<std::string_view, 3> THypothesisResultNames{"hrNotReject", "hrReject", "hrNan"};
+
+/// \brief Principal components from the correlation or the covariance matrix.
+enum TPCAMode : std::uint8_t { PCACorrMat, PCACovMat };
+inline constexpr std::array<std::string_view, 2> TPCAModeNames{"PCACorrMat", "PCACovMat"};
+
+/// \brief Hypothesised distribution of a goodness-of-fit test.
+enum TTestDistribution : std::uint8_t { distBeta, distExponent, distGamma, distNormal, distRayleigh, distWeibull };
+inline constexpr std::array<std::string_view, 6> TTestDistributionNames{
+    "distBeta", "distExponent", "distGamma", "distNormal", "distRayleigh", "distWeibull"};
+
+/// \brief Rule by which a percentile is read from sorted data.
+enum TPercentileMethod : std::uint8_t {
+  pctMethodNPlus,
+  pctMethodNMinus,
+  pctMethodClosestN,
+  pctMethodEDF,
+  pctMethodEDFAve
+};
+inline constexpr std::array<std::string_view, 5> TPercentileMethodNames{
+    "pctMethodNPlus", "pctMethodNMinus", "pctMethodClosestN", "pctMethodEDF", "pctMethodEDFAve"};
+
+// --- ranks and unique values ------------------------------------------------
+
+/// \brief The distinct values of \p Src in ascending order (neighbours compared with Equal).
+STATKIT_API void Unique(const TVec& Src, TVec& Dst);
+/// \brief Ranks from 1 with ties averaged; \p TieSum = sum over tie groups of t (t^2 - 1) / 2.
+STATKIT_API void TiedRanks(const TVec& Data, TVec& Ranks, double& TieSum);
+
+// --- location, spread and moments -------------------------------------------
+
+/// \brief Geometric mean.
+STATKIT_API double MeanG(const TVec& Data);
+/// \brief Harmonic mean.
+STATKIT_API double MeanH(const TVec& Data);
+/// \brief Mean of the elements between the Percent/2 and 1 - Percent/2 percentiles (Percent a fraction).
+STATKIT_API double MeanT(const TVec& Data, double Percent);
+/// \brief (1/n) sum (x - Mean)^Order; 0 when Order <= 1.
+STATKIT_API double Moment(const TVec& X, double Mean, int Order);
+/// \brief Max - Min.
+STATKIT_API double Range(const TVec& X);
+/// \brief Range of every row / column.
+STATKIT_API void RangeRows(const TMtx& Data, TVec& Dst);
+STATKIT_API void RangeCols(const TMtx& Data, TVec& Dst);
+/// \brief Sample standard deviation of every row / column.
+STATKIT_API void StdRows(const TMtx& Data, TVec& Dst);
+STATKIT_API void StdCols(const TMtx& Data, TVec& Dst);
+/// \brief Column-wise standardisation: (x - column mean) / column standard deviation.
+STATKIT_API void ZScore(const TMtx& Data, TMtx& Dst);
+
+// --- percentiles and histograms ---------------------------------------------
+
+/// \brief The p-quantile of \p X by the rule \p Method.
+STATKIT_API double Percentile(const TVec& X, double p, TPercentileMethod Method);
+/// \brief Upper minus lower quartile; 0 when the percentiles cannot be computed.
+STATKIT_API double InterQuartile(const TVec& X, TPercentileMethod Method);
+/// \brief Counts \p Data into \p NumBins equal bins between \p Lo and \p Hi; \p Bins receives
+/// the centres (CenterBins) or the NumBins + 1 edges.
+STATKIT_API void Histogram(const TVec& Data, int NumBins, TVec& Results, TVec& Bins, bool CenterBins, double Hi,
+                           double Lo);
+/// \brief As above between the smallest and the largest value of \p Data.
+STATKIT_API void Histogram(const TVec& Data, int NumBins, TVec& Results, TVec& Bins, bool CenterBins);
+/// \brief Counts \p Data into the bins around the ascending centres \p Bins.
+STATKIT_API void Histogram(const TVec& Data, const TVec& Bins, TVec& Results);
+/// \brief Cumulative relative frequencies over NumBins equal bins; \p Bins receives the edges.
+STATKIT_API void CumulativeHist(const TVec& Data, int NumBins, TVec& Results, TVec& Bins, bool CenterBins);
+/// \brief Cumulative relative frequencies over the bins around the centres \p Bins.
+STATKIT_API void CumulativeHist(const TVec& Data, const TVec& Bins, TVec& Results);
+
+// --- covariance and correlation ---------------------------------------------
+
+/// \brief Variance of \p X (divisor n when \p Biased, else n - 1).
+STATKIT_API void Covariance(const TVec& X, double& Cov, bool Biased);
+/// \brief 2 x 2 covariance matrix of two vectors.
+STATKIT_API void Covariance(const TVec& X, const TVec& Y, TMtx& Dst, bool Biased);
+/// \brief Covariance matrix of the columns of \p X.
+STATKIT_API void Covariance(const TMtx& X, TMtx& Dst, bool Biased);
+/// \brief 2 x 2 covariance matrix of two matrices read column by column.
+STATKIT_API void Covariance(const TMtx& X, const TMtx& Y, TMtx& Dst, bool Biased);
+/// \brief Correlation matrices of the forms of Covariance.
+STATKIT_API void CorrCoef(const TVec& X, const TVec& Y, TMtx& Dst);
+STATKIT_API void CorrCoef(const TMtx& X, TMtx& Dst);
+STATKIT_API void CorrCoef(const TMtx& X, const TMtx& Y, TMtx& Dst);
+/// \brief Biased autocovariances at lags 0..Lags (Lags < 0: ceil(10 log10 n)).
+STATKIT_API void AutoCov(const TVec& Src, TVec& Dst, int Lags);
+/// \brief Autocorrelations at lags 0..Lags (element 0 is 1).
+STATKIT_API void ACF(const TVec& Src, TVec& Dst, int Lags);
+/// \brief Durbin-Levinson recursion on the autocovariances \p Src: AR coefficients,
+/// partial autocorrelations at lags 1..m and prediction-error variances.
+STATKIT_API void PACF(const TVec& Src, TVec& Phi, TVec& Dst, TVec& ErrVar);
+/// \brief Partial autocorrelations at lags 1..m of the autocorrelations \p Src.
+STATKIT_API void PACF(const TVec& Src, TVec& Dst);
+
+// --- location tests ---------------------------------------------------------
+// The tests write a decision, a significance probability and, where they have
+// one, a confidence interval through \p ConfInt (two doubles: lower, upper; a
+// null pointer skips it).
+
+/// \brief Z test of the mean with known standard deviation \p Sigma.
+STATKIT_API void ZTest(const TVec& Data, double Mean, double Sigma, THypothesisResult& hRes, double& Signif,
+                       double* ConfInt, THypothesisType hType, double Alpha);
+/// \brief One-sample t test of the mean.
+STATKIT_API void tTest(const TVec& Data, double Mean, THypothesisResult& hRes, double& Signif, double* ConfInt,
+                       THypothesisType hType, double Alpha);
+/// \brief Two-sample t test: paired, or independent samples with pooled variance.
+STATKIT_API void tTest(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes, double& Signif,
+                       double* ConfInt, bool Paired, THypothesisType hType, double Alpha);
+/// \brief Sign test of the median (\p ConfInt is not written).
+STATKIT_API void SignTest(const TVec& Data, double Median, THypothesisResult& hRes, double& Signif,
+                          double* ConfInt, THypothesisType hType, double Alpha);
+/// \brief Paired sign test.
+STATKIT_API void SignTest(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes, double& Signif,
+                          double* ConfInt, THypothesisType hType, double Alpha);
+
+// --- variance tests ---------------------------------------------------------
+
+/// \brief Chi-square test of the standard deviation against \p Sigma; the interval is for the standard deviation.
+STATKIT_API void ChiSquareTest(const TVec& Data, double Sigma, THypothesisResult& hRes, double& Signif,
+                               double* ConfInt, THypothesisType hType, double Alpha);
+/// \brief F test of var(Data2) / var(Data1); the interval is for that ratio.
+STATKIT_API void FTest(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes, double& Signif,
+                       double* ConfInt, THypothesisType hType, double Alpha);
+/// \brief Bartlett's test of the number of principal components to keep.
+STATKIT_API void BarlettTest(const TMtx& Data, int& NumComp, TVec& Signif, TPCAMode Mode, double Alpha);
+
+// --- rank tests -------------------------------------------------------------
+
+/// \brief Wilcoxon signed-rank test of the median (exact below 15 non-zero differences).
+STATKIT_API void WilcoxonSign(const TVec& Data, double Median, THypothesisResult& hRes, double& Signif,
+                              double* ConfInt, THypothesisType hType, double Alpha);
+/// \brief Paired Wilcoxon signed-rank test.
+STATKIT_API void WilcoxonSign(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes, double& Signif,
+                              double* ConfInt, THypothesisType hType, double Alpha);
+/// \brief Spearman's rank correlation \p Rs with its t test and Fisher interval.
+STATKIT_API void SpearmanRankCorr(const TVec& X, const TVec& Y, double& Rs, THypothesisResult& hRes,
+                                  double& Signif, double* ConfInt, THypothesisType hType, double Alpha);
+
+// --- normality tests --------------------------------------------------------
+
+/// \brief Shapiro-Wilk test (Royston's approximation) of sorted data, 3 to 5000 values.
+STATKIT_API void ShapiroWilks(const TVec& Data, THypothesisResult& hRes, double& Signif, THypothesisType hType,
+                              double Alpha);
+/// \brief Shapiro-Francia test (Royston's approximation) of sorted data.
+STATKIT_API void ShapiroFrancia(const TVec& Data, THypothesisResult& hRes, double& Signif, THypothesisType hType,
+                                double Alpha);
+
+// --- distribution moments ---------------------------------------------------
+// Mean and variance of a distribution; NaN for both at invalid parameters, NaN
+// for a moment that does not exist.
+
+STATKIT_API void MVBeta(double a, double b, double& Mean, double& Variance);
+STATKIT_API void MVBinom(int n, double p, double& Mean, double& Variance);
+STATKIT_API void MVCauchy(double m, double b, double& Mean, double& Variance);
+STATKIT_API void MVChiSquare(int nu, double& Mean, double& Variance);
+STATKIT_API void MVExponent(double mu, double& Mean, double& Variance);
+STATKIT_API void MVF(int nu1, int nu2, double& Mean, double& Variance);
+STATKIT_API void MVGamma(double a, double b, double& Mean, double& Variance);
+STATKIT_API void MVGeometric(double p, double& Mean, double& Variance);
+STATKIT_API void MVHypGeometric(int M, int K, int N, double& Mean, double& Variance);
+STATKIT_API void MVMaxwell(double a, double& Mean, double& Variance);
+STATKIT_API void MVNegBinom(int r, double p, double& Mean, double& Variance);
+STATKIT_API void MVNormal(double mu, double sigma, double& Mean, double& Variance);
+STATKIT_API void MVPareto(double a, double b, double& Mean, double& Variance);
+STATKIT_API void MVPoisson(double lambda, double& Mean, double& Variance);
+STATKIT_API void MVRayleigh(double b, double& Mean, double& Variance);
+STATKIT_API void MVStudent(int v, double& Mean, double& Variance);
+STATKIT_API void MVUniform(double a, double b, double& Mean, double& Variance);
+STATKIT_API void MVUniformD(int N, double& Mean, double& Variance);
+STATKIT_API void MVWeibull(double a, double b, double& Mean, double& Variance);
+
+// --- full factorial design --------------------------------------------------
+
+/// \brief Two-level design of \p n factors: 2^n rows, Dst(i, c) = bit (n - 1 - c) of i,
+/// times MulVec[n - 1 - c] when \p MulVec is given.
+STATKIT_API void FullFactDesign(int n, TMtx& Dst, const TVec* MulVec = nullptr);
+/// \brief Mixed-level design: every combination of levels 1..Levels[j] once, the first column fastest.
+STATKIT_API void FullFactDesign(const TVec& Levels, TMtx& Dst);
+
+}  // namespace statkit::Statistics

@@ -1,0 +1,86 @@
+#pragma once
+// Distribution functions (CDF), their complements (CDFc, the upper tail
+// computed directly), densities (PDF) and inverses (CDFInv).
+//
+// Conventions: outside its support a CDF is 0 below and 1 above, a density
+// is 0; invalid parameters give NaN. Parameterisations: normal by mean and
+// standard deviation; gamma by shape A and scale B; beta by shapes A, B;
+// Weibull F(x) = 1 - exp(-A x^B); exponential by its mean; Rayleigh by its
+// scale; negative binomial counting failures before the R-th success.
+// Vector forms write Dst element by element, sized like X.
+
+#include "statkit/array/Config.h"
+#include "statkit/array/Kalpa.h"
+
+namespace statkit {
+
+STATKIT_API double NormalCDF(double x, double Mu, double Sigma);
+STATKIT_API double NormalCDFc(double x, double Mu, double Sigma);
+STATKIT_API double NormalPDF(double x, double Mu, double Sigma);
+STATKIT_API double NormalCDFInv(double p, double Mu, double Sigma);
+STATKIT_API void NormalCDF(const TDenseKalpa& X, double Mu, double Sigma, TDenseKalpa& Dst);
+STATKIT_API void NormalCDFInv(const TDenseKalpa& X, double Mu, double Sigma, TDenseKalpa& Dst);
+
+STATKIT_API double StudentCDF(double x, int Nu);
+STATKIT_API double StudentCDFc(double x, int Nu);
+STATKIT_API double StudentPDF(double x, int Nu);
+STATKIT_API double StudentCDFInv(double p, int Nu);
+
+STATKIT_API double ChiSquareCDF(double x, int Nu);
+STATKIT_API double ChiSquareCDFc(double x, int Nu);
+STATKIT_API double ChiSquarePDF(double x, int Nu);
+STATKIT_API double ChiSquareCDFInv(double p, int Nu);
+
+STATKIT_API double FCDF(double x, int Nu1, int Nu2);
+STATKIT_API double FCDFc(double x, int Nu1, int Nu2);
+STATKIT_API double FPDF(double x, int Nu1, int Nu2);
+STATKIT_API double FCDFInv(double p, int Nu1, int Nu2);
+/// \brief Dst[i] = FCDFInv(p, Nu1[i], Nu2[i]) (the degrees of freedom are whole numbers).
+STATKIT_API void FCDFInv(double p, const TDenseKalpa& Nu1, const TDenseKalpa& Nu2, TDenseKalpa& Dst);
+
+STATKIT_API double GammaCDF(double x, double A, double B);
+STATKIT_API double GammaCDFc(double x, double A, double B);
+STATKIT_API double GammaPDF(double x, double A, double B);
+STATKIT_API double GammaCDFInv(double p, double A, double B);
+STATKIT_API void GammaCDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
+STATKIT_API void GammaPDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
+
+STATKIT_API double BetaCDF(double x, double A, double B);
+STATKIT_API double BetaPDF(double x, double A, double B);
+STATKIT_API double BetaCDFInv(double p, double A, double B);
+STATKIT_API void BetaCDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
+STATKIT_API void BetaPDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
+
+STATKIT_API double WeibullCDF(double x, double A, double B);
+STATKIT_API double WeibullPDF(double x, double A, double B);
+STATKIT_API double WeibullCDFInv(double p, double A, double B);
+STATKIT_API void WeibullCDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
+STATKIT_API void WeibullPDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
+
+STATKIT_API double ExpCDF(double x, double Mu);
+STATKIT_API double ExpPDF(double x, double Mu);
+STATKIT_API double ExpCDFInv(double p, double Mu);
+STATKIT_API void ExpCDF(const TDenseKalpa& X, double Mu, TDenseKalpa& Dst);
+
+STATKIT_API double RayleighCDF(double x, double B);
+STATKIT_API double RayleighPDF(double x, double B);
+STATKIT_API double RayleighCDFInv(double p, double B);
+STATKIT_API void RayleighCDF(const TDenseKalpa& X, double B, TDenseKalpa& Dst);
+
+/// \brief P(X <= floor(x)) for X binomial with N trials and success probability P.
+STATKIT_API double BinomCDF(double x, int N, double P);
+STATKIT_API double BinomCDFc(double x, int N, double P);
+STATKIT_API double BinomPDF(double x, int N, double P);
+STATKIT_API double PoissonCDF(double x, double Lambda);
+STATKIT_API double PoissonPDF(double x, double Lambda);
+/// \brief Smallest whole k with PoissonCDF(k) >= p.
+STATKIT_API double PoissonCDFInv(double p, double Lambda);
+STATKIT_API double NegBinomCDF(double x, int R, double P);
+STATKIT_API double NegBinomPDF(double x, int R, double P);
+/// \brief Smallest whole k with NegBinomCDF(k) >= p.
+STATKIT_API double NegBinomCDFInv(double p, int R, double P);
+
+/// \brief Inverse error function.
+STATKIT_API double ErfInv(double x);
+
+}  // namespace statkit

@@ -1,0 +1,5 @@
+#pragma once
+// Everything statkit exports.
+
+#include "statkit/Array.h"
+#include "statkit/Statistics.h"

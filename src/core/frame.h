@@ -1,0 +1,88 @@
+#pragma once
+// The calling frame shared by every exported operation: the protected block
+// that prefixes errors passing through it, and the pieces every hypothesis
+// test shares (the decision, the tail selection, the interval shapes).
+
+#include <exception>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "statkit/Statistics.h"
+
+namespace statkit::core {
+
+/// \brief Runs \p work; any exception leaving it is raised again as an
+/// EArrayError whose message is \p prefix followed by the inner message.
+/// Every nested block adds exactly one prefix.
+template <class Work>
+decltype(auto) Guarded(const char* prefix, Work&& work) {
+  try {
+    return std::forward<Work>(work)();
+  } catch (const std::bad_alloc&) {
+    ERaise(std::string(prefix) + msg::OutOfMemory);
+  } catch (const std::exception& e) {
+    ERaise(std::string(prefix) + e.what());
+  } catch (...) {
+    ERaise(std::string(prefix) + "Unknown error");
+  }
+}
+
+using Statistics::THypothesisResult;
+using Statistics::THypothesisType;
+
+/// \brief The decision of every test: reject when Signif <= Alpha, undecidable when Signif is NaN.
+inline THypothesisResult Decide(double Signif, double Alpha) {
+  if (IsNan(Signif)) return Statistics::hrNan;
+  return Signif <= Alpha ? Statistics::hrReject : Statistics::hrNotReject;
+}
+
+/// \brief A level the tests accept: inside the open interval (0, 1); NaN is outside.
+inline bool ValidAlpha(double Alpha) { return Alpha > 0.0 && Alpha < 1.0; }
+
+/// \brief The undecidable outcome of a test given an invalid level: hrNan and NaN everywhere.
+inline void SetUndecided(THypothesisResult& hRes, double& Signif, double* ConfInt) {
+  hRes = Statistics::hrNan;
+  Signif = NAN;
+  if (ConfInt) ConfInt[0] = ConfInt[1] = NAN;
+}
+
+/// \brief The significance by alternative from the two tail probabilities of
+/// the statistic: the upper tail for a right-tailed test, the lower tail for a
+/// left-tailed one, and for a two-tailed test the smaller tail, doubled when
+/// \p doubled (the normality tests take it undoubled).
+inline double TailSignificance(THypothesisType hType, double lower, double upper, bool doubled = true) {
+  switch (hType) {
+    case Statistics::htRightTailed: return upper;
+    case Statistics::htLeftTailed: return lower;
+    default: {
+      if (IsNan(lower) || IsNan(upper)) return NAN;
+      double smaller = lower < upper ? lower : upper;
+      return doubled ? 2.0 * smaller : smaller;
+    }
+  }
+}
+
+/// \brief Writes an interval through \p ConfInt when it is given.
+inline void WriteInterval(double* ConfInt, double lower, double upper) {
+  if (!ConfInt) return;
+  ConfInt[0] = lower;
+  ConfInt[1] = upper;
+}
+
+/// \brief The interval of a location estimate \p e with half-width \p d: two-sided;
+/// a right-tailed test reports an upper bound, a left-tailed test a lower bound.
+inline void WriteLocationInterval(double* ConfInt, THypothesisType hType, double e, double d) {
+  switch (hType) {
+    case Statistics::htRightTailed: WriteInterval(ConfInt, -INF, e + d); break;
+    case Statistics::htLeftTailed: WriteInterval(ConfInt, e - d, INF); break;
+    default: WriteInterval(ConfInt, e - d, e + d); break;
+  }
+}
+
+/// \brief The quantile level of an interval: 1 - Alpha/2 two-tailed, 1 - Alpha one-tailed.
+inline double IntervalLevel(THypothesisType hType, double Alpha) {
+  return hType == Statistics::htTwoTailed ? 1.0 - 0.5 * Alpha : 1.0 - Alpha;
+}
+
+}  // namespace statkit::core

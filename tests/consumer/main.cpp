@@ -1,0 +1,13 @@
+// A host program built against the installed package.
+#include <statkit/statkit.h>
+
+#include <cstdio>
+
+int main() {
+  using namespace statkit::Statistics;
+  TVec x{2.0, 4.0, 4.0, 4.0, 5.0, 5.0, 7.0, 9.0};
+  double mean = 0, var = 0;
+  MVNormal(x.Mean(), x.StdDev(), mean, var);
+  std::printf("statkit %s: mean %.6g variance %.6g\n", STATKIT_VERSION, mean, var);
+  return (mean == 5.0 && var > 4.57 && var < 4.58) ? 0 : 1;
+}
