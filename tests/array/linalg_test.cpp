@@ -90,22 +90,23 @@ NistLls readNistLls(const std::string& path) {
   return set;
 }
 
-// Lowest LRE each set reaches by Householder QR with one refinement step; the
-// condition number of the design bounds what any backward-stable solver gets
-// (LRE ~ 16 - log10 cond): Filip's is 1.8e15, Wampler's 6e6, Pontius's 1.4e13.
+// Lowest LRE accepted per set. Refining the augmented system leaves cond(X),
+// not its square, in the coefficients' error, so every set keeps 13 digits
+// but Filip, whose design has cond 1.8e15 (cond x eps = 0.4: refinement no
+// longer converges; a backward-stable QR keeps about 8 digits there).
 TEST(LeastSquaresNist, CertifiedCoefficientsThroughHouseholderQr) {
   std::string dir = StrdDir();
   if (dir.empty()) GTEST_SKIP() << "NIST StRD not found beside the project";
   const std::pair<const char*, double> sets[] = {
-      {"Norris", 12}, {"Pontius", 12}, {"NoInt1", 14}, {"NoInt2", 14}, {"Filip", 7},     {"Longley", 12},
-      {"Wampler1", 12}, {"Wampler2", 12}, {"Wampler3", 12}, {"Wampler4", 12}, {"Wampler5", 12}};
+      {"Norris", 13},   {"Pontius", 13},  {"NoInt1", 13},   {"NoInt2", 13},   {"Filip", 7},    {"Longley", 13},
+      {"Wampler1", 13}, {"Wampler2", 13}, {"Wampler3", 13}, {"Wampler4", 13}, {"Wampler5", 13}};
   for (auto [name, minLre] : sets) {
     NistLls set = readNistLls(dir + "/lls/" + name + ".dat");
     ASSERT_FALSE(set.data.empty()) << name;
     const int n = static_cast<int>(set.data.size()), p = static_cast<int>(set.powers.size());
     const bool polynomial = set.data[0].size() == 2;
     TMtx design(n, p);
-    TVec y(std::vector<double>(n)), b;
+    TVec y = TVec(std::vector<double>(n)), b;
     for (int i = 0; i < n; ++i) {
       y[i] = set.data[i][0];
       for (int j = 0; j < p; ++j) {
@@ -124,7 +125,8 @@ TEST(LeastSquaresNist, CertifiedCoefficientsThroughHouseholderQr) {
 // --- polynomial roots ------------------------------------------------------------
 
 // Largest distance from each reference root to its nearest unclaimed partner,
-// relative to max(1, |root|); -1 when the counts differ.
+// relative to |root| (absolute for a zero root), so tiny roots count; -1 when
+// the counts differ.
 double rootError(std::vector<TCplx> got, const std::vector<double>& re, const std::vector<double>& im) {
   if (got.size() != re.size()) return -1;
   double worst = 0;
@@ -132,7 +134,7 @@ double rootError(std::vector<TCplx> got, const std::vector<double>& re, const st
     TCplx want(re[i], im[i]);
     auto near = std::min_element(got.begin(), got.end(),
                                  [&](TCplx a, TCplx b) { return std::abs(a - want) < std::abs(b - want); });
-    worst = std::max(worst, std::abs(*near - want) / std::max(1.0, std::abs(want)));
+    worst = std::max(worst, std::abs(*near - want) / (want == 0.0 ? 1.0 : std::abs(want)));
     got.erase(near);
   }
   return worst;
@@ -151,6 +153,7 @@ TEST(PolyRoots, NoLessAccurateThanNumpyCompanionEigenvalues) {
     double theirs = rootError(numpy, r.Nums("exact_re"), r.Nums("exact_im"));
     // Same companion matrix, balanced as LAPACK balances it: the two differ by
     // rounding only, so allow 8 x NumPy's error (at least 8 eps).
+    std::printf("roots %-18s error %.1e (NumPy %.1e)\n", r.Str("name").c_str(), ours, theirs);
     EXPECT_GE(ours, 0) << r.Str("name") << ": wrong number of roots";
     EXPECT_LE(ours, 8 * std::max(theirs, kEps)) << r.Str("name") << " numpy error " << theirs;
   }
@@ -262,7 +265,7 @@ TEST(Aliasing, OutputMayBeAnInput) {
 TEST(LUSolve, RefinementRecoversDigitsOfIllConditionedSystem) {
   const int n = 8;
   TMtx h(n, n);
-  TVec x(std::vector<double>(n)), b(std::vector<double>(n)), plain, refined;
+  TVec x = TVec(std::vector<double>(n)), b = x, plain, refined;
   for (int i = 0; i < n; ++i) x[i] = (i % 2 ? -1.0 : 1.0) * (i + 1);
   for (int i = 0; i < n; ++i) {
     for (int j = 0; j < n; ++j) b[i] += (h(i, j) = 360360.0 / (i + j + 1)) * x[j];  // exact integers
