@@ -152,15 +152,15 @@ private:
 
 // --- products ------------------------------------------------------------------
 
-template <class S, class Lhs>
-Mat<S> timesOperation(const Lhs& lhs, const ConstMap<S>& b, TMtxOperation op) {
-  Mat<S> out(lhs.rows(), op == opNone ? b.cols() : b.rows());
-  switch (op) {
-    case opNone: out.noalias() = lhs * b; break;
-    case opTranspose: out.noalias() = lhs * b.transpose(); break;
-    default: out.noalias() = lhs * b.adjoint(); break;
-  }
-  return out;
+// op(m) as a plain matrix. Materialising the transpose costs one pass over the
+// operand, against the product's pass per result column, and keeps a single
+// matrix-product kernel per scalar type (each storage-order and conjugation
+// variant is a separate instantiation of Eigen's GEMM).
+template <class S>
+Mat<S> applyOperation(const ConstMap<S>& m, TMtxOperation op) {
+  if (op == opNone) return m;
+  if (op == opTranspose) return m.transpose();
+  return m.adjoint();
 }
 
 // op1(a) * op2(b), into a fresh matrix: every input is read before the caller
@@ -170,11 +170,14 @@ Mat<S> product(const ConstMap<S>& a, const ConstMap<S>& b, TMtxOperation op1, TM
   const Eigen::Index inner1 = op1 == opNone ? a.cols() : a.rows();
   const Eigen::Index inner2 = op2 == opNone ? b.rows() : b.cols();
   if (inner1 != inner2) ERaise(msg::SizeMismatch);
-  switch (op1) {
-    case opNone: return timesOperation<S>(a, b, op2);
-    case opTranspose: return timesOperation<S>(a.transpose(), b, op2);
-    default: return timesOperation<S>(a.adjoint(), b, op2);
-  }
+  Mat<S> lhs, rhs;
+  if (op1 != opNone) lhs = applyOperation<S>(a, op1);
+  if (op2 != opNone) rhs = applyOperation<S>(b, op2);
+  const ConstMap<S> x = op1 == opNone ? a : ConstMap<S>(lhs.data(), lhs.rows(), lhs.cols());
+  const ConstMap<S> y = op2 == opNone ? b : ConstMap<S>(rhs.data(), rhs.rows(), rhs.cols());
+  Mat<S> out(x.rows(), y.cols());
+  out.noalias() = x * y;
+  return out;
 }
 
 template <class S>
