@@ -137,8 +137,9 @@ public:
       owned_ = expandKind<Cplx>(complexView(m), kind, m.TriangleForm(), m.TriangleUnit());
     } else {
       CMat promoted = realView(m).cast<Cplx>();
-      owned_ = expandKind<Cplx>(ConstMap<Cplx>(promoted.data(), promoted.rows(), promoted.cols()), kind,
-                                m.TriangleForm(), m.TriangleUnit());
+      owned_ = kind == mtGeneral ? std::move(promoted)
+                                 : expandKind<Cplx>(ConstMap<Cplx>(promoted.data(), promoted.rows(), promoted.cols()),
+                                                    kind, m.TriangleForm(), m.TriangleUnit());
     }
     ptr_ = owned_.data(), rows_ = owned_.rows(), cols_ = owned_.cols();
   }

@@ -1,19 +1,16 @@
 // Dense linear algebra: NIST StRD least squares, polynomial roots against
 // NumPy and mpmath, decompositions by reconstruction, products against the
-// textbook triple loop, aliasing, and the error messages.
+// textbook triple loop, aliasing, refinement and the error messages.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <complex>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "statkit/Array.h"
 #include "support/expect.h"
@@ -23,40 +20,35 @@ namespace statkit::test {
 namespace {
 
 // Element (r, c) of op(m), real or complex storage alike.
-TCplx opAt(const TMtx& m, int r, int c, TMtxOperation op) {
+TCplx opAt(const TMtx& m, int r, int c, TMtxOperation op = opNone) {
   if (op != opNone) std::swap(r, c);
   TCplx z = m.Complex() ? m.CValues(r, c) : TCplx(m(r, c));
   return op == opConjTranspose ? std::conj(z) : z;
 }
 
-// Largest |got(i, j) - want(i, j)| over got's shape.
-double maxDiff(const TMtx& got, const std::function<TCplx(int, int)>& want) {
+using Entries = std::function<TCplx(int, int)>;
+
+double maxDiff(const TMtx& got, const Entries& want) {
   double d = 0;
   for (int i = 0; i < got.Rows(); ++i)
-    for (int j = 0; j < got.Cols(); ++j) d = std::max(d, std::abs(opAt(got, i, j, opNone) - want(i, j)));
+    for (int j = 0; j < got.Cols(); ++j) d = std::max(d, std::abs(opAt(got, i, j) - want(i, j)));
   return d;
 }
 
-// Independent reference for every product check: the textbook triple loop.
-std::function<TCplx(int, int)> naiveProduct(const TMtx& a, const TMtx& b, TMtxOperation op1, TMtxOperation op2) {
-  int inner = op1 == opNone ? a.Cols() : a.Rows();
-  return [=](int i, int j) {
+// The independent reference of every product check: the textbook triple loop.
+Entries naiveProduct(const TMtx& a, const TMtx& b, TMtxOperation op1 = opNone, TMtxOperation op2 = opNone) {
+  return [=, inner = op1 == opNone ? a.Cols() : a.Rows()](int i, int j) {
     TCplx s = 0;
     for (int k = 0; k < inner; ++k) s += opAt(a, i, k, op1) * opAt(b, k, j, op2);
     return s;
   };
 }
 
-TMtx complexMtx(int rows, int cols, std::initializer_list<double> reIm) {
-  TMtx m(rows, cols, true);
-  std::copy(reIm.begin(), reIm.end(), m.data());
-  return m;
-}
-
-// --- NIST StRD linear least squares -------------------------------------------
-
+// A NIST StRD linear least squares set: parameter Bj multiplies x^j (one
+// predictor) or x_j (several); the header gives the lines of the certified
+// values and of the data.
 struct NistLls {
-  std::vector<int> powers;  // parameter Bj multiplies x^j (one predictor) or x_j (several)
+  std::vector<int> powers;
   std::vector<double> certified;
   std::vector<std::vector<double>> data;  // y, x1, ...
 };
@@ -65,27 +57,23 @@ NistLls readNistLls(const std::string& path) {
   std::ifstream in(path);
   std::vector<std::string> lines;
   for (std::string l; std::getline(in, l);) lines.push_back(l.substr(0, l.find('\r')));
-  int c0 = 0, c1 = -1, d0 = 0, d1 = -1;
-  for (int i = 0; i < 60 && i < static_cast<int>(lines.size()); ++i) {
-    auto at = lines[i].find("(lines");
-    if (at == std::string::npos) continue;
-    bool certified = lines[i].find("Certified Values") != std::string::npos;
-    std::sscanf(lines[i].c_str() + at, "(lines %d to %d)", certified ? &c0 : &d0, certified ? &c1 : &d1);
-  }
+  int range[2][2] = {{0, -1}, {0, -1}};  // certified values, data (1-based, inclusive)
+  for (int i = 0; i < 60 && i < static_cast<int>(lines.size()); ++i)
+    if (auto at = lines[i].find("(lines"); at != std::string::npos) {
+      int* r = range[lines[i].find("Certified") == std::string::npos];
+      std::sscanf(lines[i].c_str() + at, "(lines %d to %d)", &r[0], &r[1]);
+    }
   NistLls set;
-  for (int i = c0 - 1; i < c1; ++i) {
+  for (int i = range[0][0] - 1; i < range[0][1]; ++i) {
     std::istringstream words(lines[i]);
     std::string name;
     double value;
-    if (words >> name >> value && name.size() > 1 && name[0] == 'B' && std::isdigit(name[1])) {
-      set.powers.push_back(std::stoi(name.substr(1)));
-      set.certified.push_back(value);
-    }
+    if (words >> name >> value && name.size() > 1 && name[0] == 'B' && std::isdigit(name[1]))
+      set.powers.push_back(std::stoi(name.substr(1))), set.certified.push_back(value);
   }
-  for (int i = d0 - 1; i < d1; ++i) {
+  for (int i = range[1][0] - 1; i < range[1][1]; ++i) {
     std::istringstream words(lines[i]);
-    set.data.emplace_back();
-    for (double v; words >> v;) set.data.back().push_back(v);
+    set.data.emplace_back(std::istream_iterator<double>(words), std::istream_iterator<double>());
   }
   return set;
 }
@@ -102,16 +90,15 @@ TEST(LeastSquaresNist, CertifiedCoefficientsThroughHouseholderQr) {
       {"Wampler1", 13}, {"Wampler2", 13}, {"Wampler3", 13}, {"Wampler4", 13}, {"Wampler5", 13}};
   for (auto [name, minLre] : sets) {
     NistLls set = readNistLls(dir + "/lls/" + name + ".dat");
-    ASSERT_FALSE(set.data.empty()) << name;
     const int n = static_cast<int>(set.data.size()), p = static_cast<int>(set.powers.size());
-    const bool polynomial = set.data[0].size() == 2;
+    ASSERT_GT(n * p, 0) << name;
     TMtx design(n, p);
     TVec y = TVec(std::vector<double>(n)), b;
     for (int i = 0; i < n; ++i) {
       y[i] = set.data[i][0];
       for (int j = 0; j < p; ++j) {
-        int k = set.powers[j];
-        design(i, j) = polynomial ? std::pow(set.data[i][1], k) : (k == 0 ? 1.0 : set.data[i][k]);
+        const int k = set.powers[j];
+        design(i, j) = set.data[i].size() == 2 ? std::pow(set.data[i][1], k) : k == 0 ? 1.0 : set.data[i][k];
       }
     }
     design.LQRSolve(y, b);
@@ -122,12 +109,11 @@ TEST(LeastSquaresNist, CertifiedCoefficientsThroughHouseholderQr) {
   }
 }
 
-// --- polynomial roots ------------------------------------------------------------
-
 // Largest distance from each reference root to its nearest unclaimed partner,
 // relative to |root| (absolute for a zero root), so tiny roots count; -1 when
 // the counts differ.
-double rootError(std::vector<TCplx> got, const std::vector<double>& re, const std::vector<double>& im) {
+double rootError(std::vector<TCplx> got, const Record& r, const std::string& key) {
+  auto re = r.Nums(key + "_re"), im = r.Nums(key + "_im");
   if (got.size() != re.size()) return -1;
   double worst = 0;
   for (std::size_t i = 0; i < re.size(); ++i) {
@@ -144,116 +130,105 @@ TEST(PolyRoots, NoLessAccurateThanNumpyCompanionEigenvalues) {
   for (const Record& r : LoadFixture("polyroots.txt")) {
     TVec roots;
     PolyRoots(roots, r.Vec("coeffs"));
-    ASSERT_TRUE(roots.Complex() || roots.Length() == 0) << r.Str("name");
     std::vector<TCplx> got, numpy;
     for (int i = 0; i < roots.Length(); ++i) got.push_back(roots.CValues(i));
-    auto nre = r.Nums("numpy_re"), nim = r.Nums("numpy_im");
-    for (std::size_t i = 0; i < nre.size(); ++i) numpy.push_back({nre[i], nim[i]});
-    double ours = rootError(got, r.Nums("exact_re"), r.Nums("exact_im"));
-    double theirs = rootError(numpy, r.Nums("exact_re"), r.Nums("exact_im"));
-    // Same companion matrix, balanced as LAPACK balances it: the two differ by
-    // rounding only, so allow 8 x NumPy's error (at least 8 eps).
+    auto re = r.Nums("numpy_re"), im = r.Nums("numpy_im");
+    for (std::size_t i = 0; i < re.size(); ++i) numpy.emplace_back(re[i], im[i]);
+    double ours = rootError(got, r, "exact"), theirs = rootError(numpy, r, "exact");
     std::printf("roots %-18s error %.1e (NumPy %.1e)\n", r.Str("name").c_str(), ours, theirs);
+    // The same companion matrix, balanced as LAPACK balances it: the two differ
+    // by rounding only, so allow 8 x NumPy's error (at least 8 eps).
     EXPECT_GE(ours, 0) << r.Str("name") << ": wrong number of roots";
-    EXPECT_LE(ours, 8 * std::max(theirs, kEps)) << r.Str("name") << " numpy error " << theirs;
+    EXPECT_LE(ours, 8 * std::max(theirs, kEps)) << r.Str("name");
   }
+  TVec roots;
+  PolyRoots(roots, TVec{1, NAN, 2});  // NaN in, NaN out: Eigen would give no eigenvalues
+  EXPECT_TRUE(roots.Length() == 2 && std::isnan(roots.CValues(1).real()));
 }
 
-// --- decompositions ----------------------------------------------------------------
-
 TEST(Decompositions, ReconstructWithOrthonormalFactors) {
-  const TMtx cases[] = {
-      {{4, 1, -2}, {1, 3, 0.5}, {-2, 0.5, 6}, {0.25, -1, 2}, {7, 0, 1}},  // tall
-      {{1, 2, 3, 4, 5}, {2, 4.5, 6, 8, 10}, {-1, 0, 1, 0, -1}},           // wide
-      {{1, 2, 3, 4}, {2, 4, 6, 8}, {1, 0, 1, 0}, {3, 4, 7, 8}},           // rank 2
-      {{-3}}};
+  const TMtx cases[] = {{{4, 1, -2}, {1, 3, 0.5}, {-2, 0.5, 6}, {0.25, -1, 2}, {7, 0, 1}},
+                        {{1, 2, 3, 4, 5}, {2, 4.5, 6, 8, 10}, {-1, 0, 1, 0, -1}},
+                        {{1, 2, 3, 4}, {2, 4, 6, 8}, {1, 0, 1, 0}, {3, 4, 7, 8}},  // rank 2
+                        {{-3}}};
   for (const TMtx& a : cases) {
     const int m = a.Rows(), n = a.Cols(), k = std::min(m, n);
     const double tol = 32 * kEps * m * n * 10;  // backward-stable factorisations of entries up to 10
-    TMtx u, v, q, r, i;
+    TMtx u, v, q, r, eye;
     TVec s, sOnly;
     a.SVD(u, s, v);
     a.SVD(sOnly);
-    ASSERT_EQ(std::make_pair(u.Rows(), u.Cols()), std::make_pair(m, k));
-    ASSERT_EQ(std::make_pair(v.Rows(), v.Cols()), std::make_pair(n, k));
+    ASSERT_TRUE(u.Rows() == m && u.Cols() == k && v.Rows() == n && v.Cols() == k && s.Length() == k);
     for (int j = 0; j < k; ++j) {
       EXPECT_EQ(s[j], sOnly[j]);
       EXPECT_GE(s[j], j + 1 < k ? s[j + 1] : 0.0) << "singular values not descending";
     }
-    TMtx us(u);
-    for (int c = 0; c < k; ++c)
-      for (int row = 0; row < m; ++row) us(row, c) *= s[c];
-    EXPECT_LT(maxDiff(a, naiveProduct(us, v, opNone, opTranspose)), tol);
+    EXPECT_LT(maxDiff(a,
+                      [&](int i, int j) {
+                        TCplx t = 0;
+                        for (int c = 0; c < k; ++c) t += u(i, c) * s[c] * v(j, c);
+                        return t;
+                      }),
+              tol);
     a.LQR(q, r);
-    EXPECT_LT(maxDiff(a, naiveProduct(q, r, opNone, opNone)), tol);
-    for (int row = 1; row < r.Rows(); ++row)
-      for (int c = 0; c < std::min(row, r.Cols()); ++c) EXPECT_EQ(r(row, c), 0.0);
+    EXPECT_LT(maxDiff(a, naiveProduct(q, r)), tol);
+    EXPECT_LT(maxDiff(r, [&](int i, int j) { return j < i ? TCplx(0) : opAt(r, i, j); }), 1e-300) << "R not upper";
     for (const TMtx* orth : {&u, &q}) {
-      i.Eye(k, k);
-      EXPECT_LT(maxDiff(i, naiveProduct(*orth, *orth, opTranspose, opNone)), tol);
+      eye.Eye(k, k);
+      EXPECT_LT(maxDiff(eye, naiveProduct(*orth, *orth, opTranspose, opNone)), tol);
     }
   }
-}
-
-TEST(Decompositions, CholeskyIsLowerAndReproducesMatrix) {
-  const TMtx a{{4, 2, -2}, {2, 10, 1}, {-2, 1, 5.5}};
-  TMtx l(a);
+  const TMtx pd{{4, 2, -2}, {2, 10, 1}, {-2, 1, 5.5}};
+  TMtx l(pd);
   l.Cholesky();
   EXPECT_EQ(l(0, 1) + l(0, 2) + l(1, 2), 0.0);
-  EXPECT_LT(maxDiff(a, naiveProduct(l, l, opNone, opTranspose)), 16 * kEps * 10);
+  EXPECT_LT(maxDiff(pd, naiveProduct(l, l, opNone, opTranspose)), 16 * kEps * 10);
 }
-
-// --- products, kinds and aliasing ------------------------------------------------------
 
 TEST(MatrixProduct, EveryOperationOnRealComplexAndMixedStorage) {
   const TMtx real{{1, -2}, {0.5, 3}, {4, 0}};
-  const TMtx cplx = complexMtx(3, 2, {1, 2, -1, 0.5, 0, -3, 2, 2, 1.5, -1, 0, 1});
+  const TMtx cplx = [] {
+    TMtx c(3, 2, true);
+    for (int i = 0; i < 12; ++i) c.data()[i] = 3 * std::sin(1.0 + i);  // no zero imaginary parts
+    return c;
+  }();
   for (const TMtx* a : {&real, &cplx})
     for (const TMtx* b : {&real, &cplx})
-      for (auto op1 : {opNone, opTranspose, opConjTranspose})
-        for (auto op2 : {opNone, opTranspose, opConjTranspose}) {
-          if ((op1 == opNone) == (op2 == opNone)) continue;  // inner sizes agree only when one is transposed
-          TMtx c;
-          c.Mul(*a, *b, op1, op2);
-          EXPECT_EQ(c.Complex(), a->Complex() || b->Complex());
-          EXPECT_LT(maxDiff(c, naiveProduct(*a, *b, op1, op2)), 8 * kEps * 20) << int(op1) << int(op2);
-        }
+      for (auto [op1, op2] : {std::pair{opNone, opTranspose}, {opNone, opConjTranspose}, {opTranspose, opNone},
+                              {opConjTranspose, opNone}}) {
+        TMtx c;
+        c.Mul(*a, *b, op1, op2);
+        EXPECT_EQ(c.Complex(), a->Complex() || b->Complex());
+        EXPECT_LT(maxDiff(c, naiveProduct(*a, *b, op1, op2)), 8 * kEps * 20) << int(op1) << int(op2);
+      }
 }
 
 TEST(MatrixProduct, KindsReadOnlyTheirTriangle) {
-  // The unread triangle holds 99s; the effective matrices are written out in full.
-  TMtx stored{{2, 99, 99}, {-1, 3, 99}, {4, 0.5, 5}}, b{{1, 2}, {3, 4}, {5, 6}}, c;
+  // The unread triangle holds 99s; the matrices the kinds stand for are written out in full.
+  TMtx stored{{2, 99, 99}, {-1, 3, 99}, {4, 0.5, 5}}, b{{1, 2}, {3, 4}, {5, 6}}, c, x;
   const TMtx symmetric{{2, -1, 4}, {-1, 3, 0.5}, {4, 0.5, 5}}, unitLower{{1, 0, 0}, {-1, 1, 0}, {4, 0.5, 1}};
   c.Mul(stored, b, mtSymmetric, mtGeneral);
-  EXPECT_LT(maxDiff(c, naiveProduct(symmetric, b, opNone, opNone)), 64 * kEps);
+  EXPECT_LT(maxDiff(c, naiveProduct(symmetric, b)), 64 * kEps);
   stored.SetTriangleUnit(true);
   c.Mul(stored, b, mtTriangular, mtGeneral, opTranspose, opNone);
-  EXPECT_LT(maxDiff(c, naiveProduct(unitLower, b, opTranspose, opNone)), 64 * kEps);
-  // A triangular solve with the transpose reads the stored lower triangle as upper.
-  TVec x, rhs{1, -2, 3};
-  stored.LUSolve(rhs, x, mtTriangular, opTranspose);
-  TMtx xm(3, 1);
-  std::copy(x.begin(), x.end(), xm.data());
-  EXPECT_LT(maxDiff(TMtx{{1}, {-2}, {3}}, naiveProduct(unitLower, xm, opTranspose, opNone)), 64 * kEps);
+  EXPECT_LT(maxDiff(c, naiveProduct(unitLower, b, opTranspose)), 64 * kEps);
+  stored.LUSolve(b, x, mtTriangular, opTranspose);  // the transposed lower triangle solves as upper
+  EXPECT_LT(maxDiff(b, naiveProduct(unitLower, x, opTranspose)), 64 * kEps);
 }
 
 TEST(Aliasing, OutputMayBeAnInput) {
   const TMtx a0{{2, 1, 0}, {1, 3, -1}, {0.5, -1, 4}};
-  TMtx a(a0);
+  TMtx a(a0), tall{{1, 2}, {3, 4}, {5, 6}}, bm{{1, 0}, {2, 1}, {3, 0}};
   a.Mul(a, a);
-  EXPECT_LT(maxDiff(a, naiveProduct(a0, a0, opNone, opNone)), 64 * kEps);
-  TMtx tall{{1, 2}, {3, 4}, {5, 6}};  // the result changes the shape of its own input
-  tall.Mul(tall, tall, opTranspose, opNone);
+  EXPECT_LT(maxDiff(a, naiveProduct(a0, a0)), 64 * kEps);
+  tall.Mul(tall, tall, opTranspose, opNone);  // the result has another shape than its input
   EXPECT_EQ(maxDiff(tall, [](int i, int j) { return TCplx(i + j == 0 ? 35 : i + j == 1 ? 44 : 56); }), 0.0);
-  TVec b{1, 2, 3};
+  TVec b{1, 2, 3}, coeffs{1, -3, 2};
   a0.LUSolve(b, b);
-  TMtx bm{{1, 0}, {2, 1}, {3, 0}};
   a0.LUSolve(bm, bm);
-  for (int i = 0; i < 3; ++i) EXPECT_NEAR(bm(i, 0), b[i], 4 * kEps);
-  TVec v(b);
-  v.TensorProd(a0, v);
-  for (int i = 0; i < 3; ++i) EXPECT_NEAR(v[i], i + 1.0, 16 * kEps);
-  TVec coeffs{1, -3, 2};
+  b.TensorProd(a0, b);
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(b[i], i + 1.0, 16 * kEps);
+  EXPECT_LT(maxDiff(TMtx{{1, 0}, {2, 1}, {3, 0}}, naiveProduct(a0, bm)), 16 * kEps);
   PolyRoots(coeffs, coeffs);
   ASSERT_EQ(coeffs.Length(), 2);
   EXPECT_NEAR(std::abs(coeffs.CValues(0) * coeffs.CValues(1)), 2.0, 8 * kEps);
@@ -261,24 +236,19 @@ TEST(Aliasing, OutputMayBeAnInput) {
 
 // An integer-scaled Hilbert matrix (cond 1.5e10) with an exactly representable
 // system: plain LU loses about 10 digits; one refinement step with a long
-// double residual recovers nearly all of them.
+// double residual recovers at least 3 more (a double residual would not).
 TEST(LUSolve, RefinementRecoversDigitsOfIllConditionedSystem) {
   const int n = 8;
   TMtx h(n, n);
   TVec x = TVec(std::vector<double>(n)), b = x, plain, refined;
   for (int i = 0; i < n; ++i) x[i] = (i % 2 ? -1.0 : 1.0) * (i + 1);
-  for (int i = 0; i < n; ++i) {
+  for (int i = 0; i < n; ++i)
     for (int j = 0; j < n; ++j) b[i] += (h(i, j) = 360360.0 / (i + j + 1)) * x[j];  // exact integers
-  }
   h.LUSolve(b, plain);
   h.SetRefineSolution(true);
   h.LUSolve(b, refined);
-  double errPlain = 0, errRefined = 0;
-  for (int i = 0; i < n; ++i) {
-    errPlain = std::max(errPlain, std::fabs(plain[i] - x[i]) / n);
-    errRefined = std::max(errRefined, std::fabs(refined[i] - x[i]) / n);
-  }
-  EXPECT_LT(errRefined, errPlain * 1e-3) << errPlain << " " << errRefined;
+  plain.Sub(x), refined.Sub(x);
+  EXPECT_LT(refined.NormL2(), plain.NormL2() * 1e-3) << plain.NormL2() << " " << refined.NormL2();
 }
 
 TEST(StructuredMatrices, ToeplitzAndVandermondeElements) {
@@ -291,70 +261,40 @@ TEST(StructuredMatrices, ToeplitzAndVandermondeElements) {
   ASSERT_EQ(r.Cols(), 3);
   EXPECT_EQ(maxDiff(r, [&](int i, int j) { return TCplx(j <= i ? rho[i - j] : row[j - i - 1]); }), 0.0);
   v.VanderMonde(4, TVec{0, -2, 3});
-  EXPECT_EQ(maxDiff(v, [](int i, int j) { return TCplx(std::pow(i == 0 ? 0.0 : i == 1 ? -2.0 : 3.0, 3 - j)); }),
-            0.0);
+  EXPECT_EQ(maxDiff(v, [](int i, int j) { return TCplx(std::pow(i == 0 ? 0.0 : i == 1 ? -2.0 : 3.0, 3 - j)); }), 0.0);
 }
 
-// --- errors ---------------------------------------------------------------------------
-
 TEST(LinearAlgebraErrors, ExactMessages) {
-  PoolBalance balance;
   const TMtx singular{{1, 2}, {2, 4}}, nearSingular{{1, 2}, {3, 6.000000000000001}}, indefinite{{1, 2}, {2, 1}};
-  const TMtx dependent{{1, 2, 2}, {1, 3, 3}, {1, 5, 5}, {1, 7, 7}}, zeroColumn{{1, 0}, {2, 0}, {3, 0}};
-  const TMtx rect{{1, 2, 3}, {4, 5, 6}}, empty, withNan{{NAN, 0}, {0, 1}}, tri{{1, 0}, {5, 0}};
-  const TMtx cplx = complexMtx(1, 1, {1, 1});
-  const TVec two{1, 2}, three{1, 2, 3}, cvec = [] {
-    const double reIm[] = {1, 0};
-    TVec v;
-    v.SetIt(true, reIm);
-    return v;
-  }();
-  const TMtx column3{{1}, {2}, {3}};
-  TMtx out, m;
+  const TMtx dependent{{1, 2, 2}, {1, 3, 3}, {1, 5, 5}, {1, 7, 7}}, rect{{1, 2, 3}, {4, 5, 6}}, empty;
+  const TVec two{1, 2}, three{1, 2, 3};
+  TMtx out, m, cplx(1, 1, true);
   TVec x;
   const std::pair<std::function<void()>, const char*> cases[] = {
-      {[&] { m = singular; m.Inv(mtGeneral); }, "Singular matrix"},
-      {[&] { m = nearSingular; m.Inv(mtGeneral); }, "Singular matrix"},
-      {[&] { singular.LUSolve(two, x); }, "Singular matrix"},
-      {[&] { tri.LUSolve(two, x, mtTriangular); }, "Singular matrix"},
+      {[&] { (m = singular).Inv(mtGeneral); }, "Singular matrix"},
+      {[&] { (m = nearSingular).Inv(mtGeneral); }, "Singular matrix"},  // reciprocal condition 1e-17
+      {[&] { TMtx{{1, 0}, {5, 0}}.LUSolve(two, x, mtTriangular); }, "Singular matrix"},
       {[&] { dependent.LQRSolve(TVec{1, 2, 3, 4}, x); }, "Singular matrix"},
-      {[&] { zeroColumn.LQRSolve(three, x); }, "Singular matrix"},
-      {[&] { m = indefinite; m.Cholesky(); }, "Matrix is not positive definite"},
-      {[&] { m = withNan; m.Cholesky(); }, "Matrix is not positive definite"},
-      {[&] { m = indefinite; m.Inv(mtPosDefSymmetric); }, "Matrix is not positive definite"},
+      {[&] { TMtx{{1, 0}, {2, 0}, {3, 0}}.LQRSolve(three, x); }, "Singular matrix"},
+      {[&] { (m = indefinite).Cholesky(); }, "Matrix is not positive definite"},
+      {[&] { TMtx{{NAN, 0}, {0, 1}}.Cholesky(); }, "Matrix is not positive definite"},
       {[&] { indefinite.LUSolve(two, x, mtPosDefSymmetric); }, "Matrix is not positive definite"},
       {[&] { out.Mul(rect, rect); }, "Size mismatch"},
       {[&] { out.Mul(rect, rect, mtSymmetric, mtGeneral, opNone, opTranspose); }, "Size mismatch"},
       {[&] { x.TensorProd(rect, two); }, "Size mismatch"},
-      {[&] { m = rect; m.Inv(mtGeneral); }, "Size mismatch"},
       {[&] { rect.LUSolve(two, x); }, "Size mismatch"},
       {[&] { singular.LUSolve(three, x); }, "Size mismatch"},
-      {[&] { singular.LUSolve(column3, out); }, "Size mismatch"},
       {[&] { empty.LUSolve(TVec{}, x); }, "Size mismatch"},
       {[&] { empty.LQRSolve(TVec{}, x); }, "Size mismatch"},
       {[&] { rect.LQRSolve(three, x); }, "Size mismatch"},
-      {[&] { m = empty; m.Cholesky(); }, "Size mismatch"},
-      {[&] { empty.SVD(x); }, "Size mismatch"},
-      {[&] { empty.LQR(out, m); }, "Size mismatch"},
       {[&] { out.Toeplitz(TVec{}, two); }, "Size mismatch"},
-      {[&] { out.VanderMonde(-1, two); }, "Size mismatch"},
-      {[&] { m = cplx; m.Inv(mtGeneral); }, "Complex data not supported"},
-      {[&] { singular.LUSolve(cvec, x); }, "Complex data not supported"},
-      {[&] { PolyRoots(x, cvec); }, "Complex data not supported"},
+      {[&] { cplx.Inv(mtGeneral); }, "Complex data not supported"},
       {[&] { out.Mul(rect, rect, static_cast<TMtxOperation>(3), opNone); }, "Invalid parameter"},
   };
   for (const auto& [call, message] : cases) EXPECT_RAISES(call(), message);
-}
-
-TEST(LinearAlgebraErrors, NonFiniteInputGivesNanNotAHang) {
-  const TMtx withNan{{1, NAN}, {2, 3}};
-  TMtx u, v;
-  TVec s, roots;
-  withNan.SVD(u, s, v);
-  EXPECT_TRUE(std::isnan(s[0]) && std::isnan(s[1]));
-  PolyRoots(roots, TVec{1, NAN, 2});
-  ASSERT_EQ(roots.Length(), 2);
-  EXPECT_TRUE(std::isnan(roots.CValues(0).real()));
+  TMtx u, w, withNan{{1, NAN}, {2, 3}};
+  withNan.SVD(u, x, w);  // Eigen refuses non-finite input without results: NaN, not garbage
+  EXPECT_TRUE(std::isnan(x[0]) && std::isnan(x[1]));
 }
 
 }  // namespace
