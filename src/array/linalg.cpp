@@ -23,6 +23,7 @@
 #include <complex>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <type_traits>
 #include <vector>
 
@@ -428,6 +429,10 @@ void balance(Eigen::MatrixXd& a) {
 
 }  // namespace
 
+// Each exported operation below is a function-try-block: Eigen allocates its
+// workspace with new, and running out of memory reaches the caller as the
+// array layer's own message, as every other allocation of the layer does.
+
 // --- products ------------------------------------------------------------------
 
 void TMtx::Mul(const TMtx& Mtx1, const TMtx& Mtx2, TMtxOperation Op1, TMtxOperation Op2) {
@@ -435,14 +440,16 @@ void TMtx::Mul(const TMtx& Mtx1, const TMtx& Mtx2, TMtxOperation Op1, TMtxOperat
 }
 
 void TMtx::Mul(const TMtx& Mtx1, const TMtx& Mtx2, TMtxType Type1, TMtxType Type2, TMtxOperation Op1,
-               TMtxOperation Op2) {
+               TMtxOperation Op2) try {
   requireKind(Type1), requireKind(Type2);
   requireOperation(Op1), requireOperation(Op2);
   if (Mtx1.Complex() || Mtx2.Complex()) store(*this, productOf<Cplx>(Mtx1, Mtx2, Type1, Type2, Op1, Op2));
   else store(*this, productOf<double>(Mtx1, Mtx2, Type1, Type2, Op1, Op2));
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
-void TVec::TensorProd(const TMtx& Mtx, const TVec& Vec, TMtxType MtxType) {
+void TVec::TensorProd(const TMtx& Mtx, const TVec& Vec, TMtxType MtxType) try {
   requireKind(MtxType);
   // The vector as a one-column matrix; a copy, so Self may be Vec.
   TMtx column(Vec.Length(), 1, Vec.Complex());
@@ -450,33 +457,41 @@ void TVec::TensorProd(const TMtx& Mtx, const TVec& Vec, TMtxType MtxType) {
     std::memcpy(column.data(), Vec.data(), sizeof(double) * Vec.Length() * (Vec.Complex() ? 2 : 1));
   if (Mtx.Complex() || Vec.Complex()) store(*this, productOf<Cplx>(Mtx, column, MtxType, mtGeneral, opNone, opNone));
   else store(*this, productOf<double>(Mtx, column, MtxType, mtGeneral, opNone, opNone));
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
 // --- inverse and solves ----------------------------------------------------------
 
-void TMtx::Inv(TMtxType MtxType) {
+void TMtx::Inv(TMtxType MtxType) try {
   SquareSolver solver(squareOperand(*this, MtxType, opNone), MtxType);
   const Eigen::Index n = Rows();
   store(*this, solver.solve(RMat::Identity(n, n)));
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
-void TMtx::LUSolve(const TVec& B, TVec& X, TMtxType MtxType, TMtxOperation Op) const {
+void TMtx::LUSolve(const TVec& B, TVec& X, TMtxType MtxType, TMtxOperation Op) const try {
   requireReal(B);
   if (B.Length() != Rows()) ERaise(msg::SizeMismatch);
   SquareSolver solver(squareOperand(*this, MtxType, Op), MtxType);
   RMat b = columnOf(B);
   store(X, solver.solution(b, RefineSolution()));
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
-void TMtx::LUSolve(const TMtx& B, TMtx& X, TMtxType MtxType, TMtxOperation Op) const {
+void TMtx::LUSolve(const TMtx& B, TMtx& X, TMtxType MtxType, TMtxOperation Op) const try {
   requireReal(B);
   if (B.Rows() != Rows()) ERaise(msg::SizeMismatch);
   SquareSolver solver(squareOperand(*this, MtxType, Op), MtxType);
   RMat b = realView(B);
   store(X, solver.solution(b, RefineSolution()));
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
-void TMtx::LQRSolve(const TVec& B, TVec& X, TMtx* R, TMtxOperation Op) const {
+void TMtx::LQRSolve(const TVec& B, TVec& X, TMtx* R, TMtxOperation Op) const try {
   requireReal(*this), requireReal(B);
   requireOperation(Op);
   RMat a = realView(*this);
@@ -488,11 +503,13 @@ void TMtx::LQRSolve(const TVec& B, TVec& X, TMtx* R, TMtxOperation Op) const {
   if (R) triangle = ls.triangularFactor();
   store(X, RMat(x));
   if (R) store(*R, triangle);
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
 // --- factorisations ------------------------------------------------------------
 
-void TMtx::LQR(TMtx& Q, TMtx& R, bool) const {
+void TMtx::LQR(TMtx& Q, TMtx& R, bool) const try {
   requireReal(*this);
   if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
   const Eigen::Index m = Rows(), k = std::min(Rows(), Cols());
@@ -501,9 +518,11 @@ void TMtx::LQR(TMtx& Q, TMtx& R, bool) const {
   RMat r = qr.matrixQR().topRows(k).triangularView<Eigen::Upper>();
   store(Q, q);
   store(R, r);
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
-void TMtx::SVD(TMtx& U, TVec& S, TMtx& V, bool Thin) const {
+void TMtx::SVD(TMtx& U, TVec& S, TMtx& V, bool Thin) const try {
   requireReal(*this);
   if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
   const Eigen::Index m = Rows(), n = Cols(), k = std::min(m, n);
@@ -524,29 +543,35 @@ void TMtx::SVD(TMtx& U, TVec& S, TMtx& V, bool Thin) const {
   store(U, u);
   store(V, v);
   store(S, RMat(s));
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
-void TMtx::SVD(TVec& S) const {
+void TMtx::SVD(TVec& S) const try {
   requireReal(*this);
   if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
   Eigen::VectorXd s;
   if (!allFinite(*this)) s.setConstant(std::min(Rows(), Cols()), NAN);
   else s = Eigen::JacobiSVD<Eigen::MatrixXd>(Eigen::MatrixXd(realView(*this))).singularValues();
   store(S, RMat(s));
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
-void TMtx::Cholesky() {
+void TMtx::Cholesky() try {
   requireReal(*this);
   requireSquare(*this);
   Eigen::LLT<RMat> llt(realView(*this));
   RMat l = llt.matrixL();
   if (llt.info() != Eigen::Success || !finitePositiveDiagonal(l)) ERaise(msg::NotPositiveDefinite);
   store(*this, l);
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
 // --- polynomial roots ----------------------------------------------------------
 
-void PolyRoots(TVec& Roots, const TVec& Coeffs) {
+void PolyRoots(TVec& Roots, const TVec& Coeffs) try {
   requireReal(Coeffs);
   const double* c = Coeffs.data();
   int first = 0, last = Coeffs.Length();
@@ -572,6 +597,8 @@ void PolyRoots(TVec& Roots, const TVec& Coeffs) {
   }
   Roots.Size(static_cast<int>(roots.size()), true);
   if (roots.size() > 0) std::memcpy(Roots.data(), roots.data(), sizeof(Cplx) * roots.size());
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
 }  // namespace statkit

@@ -1,15 +1,16 @@
 // Matrices given by a few parameters: Toeplitz (constant along each diagonal)
 // and Vandermonde (powers of the nodes, highest first, as numpy.vander).
 // Inputs are copied before Self is written, so a view of Self's storage may be
-// passed in.
+// passed in; running out of memory for those copies raises the layer's own message.
 
+#include <new>
 #include <vector>
 
 #include "statkit/array/Kalpa.h"
 
 namespace statkit {
 
-void TMtx::Toeplitz(const TVec& Vec1, const TVec& Vec2) {
+void TMtx::Toeplitz(const TVec& Vec1, const TVec& Vec2) try {
   if (Vec1.Complex() || Vec2.Complex()) ERaise(msg::ComplexNotSupported);
   // Element (i, j) is Vec1[i - j] on and below the diagonal, Vec2[j - i - 1] above it.
   const int rows = Vec1.Length();
@@ -21,9 +22,11 @@ void TMtx::Toeplitz(const TVec& Vec1, const TVec& Vec2) {
   double* out = data();
   for (int i = 0; i < rows; ++i)
     for (int j = 0; j < cols; ++j) *out++ = j <= i ? column[i - j] : row[j - i - 1];
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
-void TMtx::VanderMonde(int Cols, const TVec& Vec) {
+void TMtx::VanderMonde(int Cols, const TVec& Vec) try {
   if (Vec.Complex()) ERaise(msg::ComplexNotSupported);
   if (Cols < 0) ERaise(msg::SizeMismatch);
   const std::vector<double> nodes(Vec.begin(), Vec.end());
@@ -39,6 +42,8 @@ void TMtx::VanderMonde(int Cols, const TVec& Vec) {
       power *= nodes[i];
     }
   }
+} catch (const std::bad_alloc&) {
+  ERaise(msg::OutOfMemory);
 }
 
 }  // namespace statkit

@@ -291,7 +291,7 @@ TEST(LinearAlgebraErrors, ExactMessages) {
       {[&] { cplx.Inv(mtGeneral); }, "Complex data not supported"},
       {[&] { out.Mul(rect, rect, static_cast<TMtxOperation>(3), opNone); }, "Invalid parameter"},
   };
-  for (const auto& [call, message] : cases) EXPECT_RAISES(call(), message);
+  for (const auto& bad : cases) EXPECT_RAISES(bad.first(), bad.second);
   TMtx u, w, withNan{{1, NAN}, {2, 3}};
   withNan.SVD(u, x, w);  // Eigen refuses non-finite input without results: NaN, not garbage
   EXPECT_TRUE(std::isnan(x[0]) && std::isnan(x[1]));
