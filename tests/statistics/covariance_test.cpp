@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <functional>
+#include <limits>
 
 #include "statkit/Statistics.h"
 #include "support/expect.h"
@@ -198,6 +199,7 @@ TEST(Covariance, BadInputAndPrefixNesting) {
       {"Covariance : Empty vector", [&] { Covariance(noRows, dst, false); }},
       // each block on the way adds its prefix: CorrCoef, the two-vector and the matrix form
       {"CorrCoef : Covariance : Covariance : Empty vector", [&] { CorrCoef(TVec{}, TVec{}, dst); }},
+      {"Integer overflow", [&] { ACF(three, pacf, std::numeric_limits<int>::max()); }},
       {"PACF: Src.Length < 2", [&] { PACF(TVec{1}, phi, pacf, errVar); }},
       {"PACF: Src.Length < 2", [&] { PACF(TVec{}, phi, pacf, errVar); }},
   };
