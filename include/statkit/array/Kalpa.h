@@ -410,7 +410,8 @@ public:
   /// \brief Adds the outer product Vec1 Vec2' (conjugating Vec2 when \p ConjVec2) to Self.
   void AddTensorProd(const TVec& Vec1, const TVec& Vec2, bool ConjVec2 = false);
   /// \brief Inverts in place; raises "Singular matrix" (a zero pivot, or an estimated reciprocal
-  /// condition number below epsilon) or "Matrix is not positive definite" for the positive definite kinds.
+  /// condition number of the equilibrated matrix below epsilon) or "Matrix is not positive
+  /// definite" for the positive definite kinds.
   void Inv(TMtxType MtxType);
   using TDenseKalpa::Inv;
   /// \brief Solves op(Self) * X = B by LU decomposition (triangular solve for mtTriangular,
