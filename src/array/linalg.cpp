@@ -3,13 +3,14 @@
 // roots as eigenvalues of the balanced companion matrix.
 //
 // Eigen 3.4 factorises over our row-major storage. Eigen reports no failure of
-// LU or QR, so the checks are ours: LU is singular when a pivot is zero or the
-// estimated reciprocal condition number is below epsilon (the rule of R's
-// solve(), applied to the equilibrated matrix so that units do not count); QR when a diagonal element of R is below max(m, n) eps times the
-// norm of its column (the rank tolerance of numpy.linalg.matrix_rank, after
-// Golub & Van Loan). Residuals of refinement steps are accumulated in long
-// double (Wilkinson, Rounding Errors in Algebraic Processes, 1963); least
-// squares refines the augmented system (Bjorck, BIT 7, 1967).
+// LU or QR, so the checks are ours. LU is singular when a pivot is zero or the
+// estimated reciprocal condition number of the equilibrated matrix is below
+// epsilon (the rule of R's solve(), with units left out); QR when a diagonal
+// element of R is below max(m, n) eps times the norm of its column (the rank
+// tolerance of numpy.linalg.matrix_rank, after Golub & Van Loan). Residuals of
+// refinement steps are accumulated in long double (Wilkinson, Rounding Errors
+// in Algebraic Processes, 1963); least squares refines the augmented system
+// (Bjorck, BIT 7, 1967).
 
 // Eigen 3.4's triangular matrix-vector kernel trips a false -Wmaybe-uninitialized
 // under g++ 12 (the buffer is written before it is read).
