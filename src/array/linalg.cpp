@@ -527,7 +527,7 @@ void TMtx::LQRSolve(const TVec& B, TVec& X, TMtx* R, TMtxOperation Op) const try
   RMat triangle;
   if (R) triangle = ls.triangularFactor();
   store(X, RMat(x));
-  if (R) store(*R, triangle);
+  if (R) store(*R, triangle), R->SetTriangleForm(tfUpper);
 } catch (const std::bad_alloc&) {
   ERaise(msg::OutOfMemory);
 }
@@ -543,6 +543,7 @@ void TMtx::LQR(TMtx& Q, TMtx& R, bool) const try {
   RMat r = qr.matrixQR().topRows(k).triangularView<Eigen::Upper>();
   store(Q, q);
   store(R, r);
+  R.SetTriangleForm(tfUpper);
 } catch (const std::bad_alloc&) {
   ERaise(msg::OutOfMemory);
 }
@@ -590,6 +591,7 @@ void TMtx::Cholesky() try {
   RMat l = llt.matrixL();
   if (llt.info() != Eigen::Success || !finitePositiveDiagonal(l)) ERaise(msg::NotPositiveDefinite);
   store(*this, l);
+  SetTriangleForm(tfLower);
 } catch (const std::bad_alloc&) {
   ERaise(msg::OutOfMemory);
 }

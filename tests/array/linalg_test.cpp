@@ -173,6 +173,12 @@ TEST(Decompositions, ReconstructWithOrthonormalFactors) {
     a.LQR(q, r);
     EXPECT_LT(maxDiff(a, naiveProduct(q, r)), tol);
     EXPECT_LT(maxDiff(r, [&](int i, int j) { return j < i ? TCplx(0) : opAt(r, i, j); }), 1e-300) << "R not upper";
+    if (m >= n && s[k - 1] > 1e-8 * s[0]) {  // R square and regular: its form is set for Inv
+      TMtx rInv(r);
+      rInv.Inv(mtTriangular);
+      eye.Eye(k, k);
+      EXPECT_LT(maxDiff(eye, naiveProduct(r, rInv)), tol);
+    }
     for (const TMtx* orth : {&u, &q}) {
       eye.Eye(k, k);
       EXPECT_LT(maxDiff(eye, naiveProduct(*orth, *orth, opTranspose, opNone)), tol);

@@ -420,15 +420,17 @@ public:
   void LUSolve(const TMtx& B, TMtx& X, TMtxType MtxType = mtGeneral, TMtxOperation Op = opNone) const;
   /// \brief Least-squares solution of op(Self) * X = B by Householder QR, refined in long double
   /// (the minimum-norm solution when op(Self) has fewer rows than columns); \p R receives the
-  /// upper triangular factor (of op(Self)' in the minimum-norm case). Rank deficiency raises "Singular matrix".
+  /// upper triangular factor (of op(Self)' in the minimum-norm case; its TriangleForm becomes
+  /// tfUpper, so R.Inv(mtTriangular) inverts it). Rank deficiency raises "Singular matrix".
   void LQRSolve(const TVec& B, TVec& X, TMtx* R = nullptr, TMtxOperation Op = opNone) const;
-  /// \brief QR factorisation Self = Q R (Q with orthonormal columns, thin form).
+  /// \brief QR factorisation Self = Q R (Q with orthonormal columns, thin form; R's TriangleForm becomes tfUpper).
   void LQR(TMtx& Q, TMtx& R, bool = false) const;
   /// \brief Singular value decomposition Self = U diag(S) V', S descending; thin U and V
   /// (min(Rows, Cols) columns) when the flag is true, square otherwise.
   void SVD(TMtx& U, TVec& S, TMtx& V, bool = true) const;
   void SVD(TVec& S) const;
-  /// \brief Cholesky factor in place: Self = L L' with L lower triangular (the upper part zeroed).
+  /// \brief Cholesky factor in place: Self = L L' with L lower triangular (the upper part zeroed,
+  /// TriangleForm tfLower); reads the lower triangle.
   void Cholesky();
   /// \brief Options read by the solvers for mtTriangular matrices and refinement.
   void SetTriangleForm(TTriangleForm Form) { triangleForm_ = Form; }
