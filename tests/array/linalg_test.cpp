@@ -44,6 +44,16 @@ Entries naiveProduct(const TMtx& a, const TMtx& b, TMtxOperation op1 = opNone, T
   };
 }
 
+TEST(Pool, MatrixComesBackWithDefaultSolverOptions) {
+  TMtx a{{4, 1}, {1, 3}}, q;
+  for (int round = 0; round < 2; ++round) {
+    PooledMtx r;
+    EXPECT_TRUE(r->TriangleForm() == tfLower && !r->TriangleUnit() && !r->RefineSolution());
+    a.LQR(q, r);  // marks R upper
+    r->SetTriangleUnit(true), r->SetRefineSolution(true);
+  }
+}
+
 // A NIST StRD linear least squares set: parameter Bj multiplies x^j (one
 // predictor) or x_j (several); the header gives the lines of the certified
 // values and of the data.
