@@ -21,7 +21,7 @@ using rng::BitSource;
 
 int SeedFromUniform(double U) {
   double x = U * 4294967295.0;
-  if (!(x >= 0.0 && x < 4294967295.5)) ERaise(msg::InvalidParameter);
+  if (!(U >= 0.0 && U < 1.0)) ERaise(msg::InvalidParameter);
   double r = std::floor(x);
   double frac = x - r;
   if (frac > 0.5 || (frac == 0.5 && std::fmod(r, 2.0) != 0.0)) r += 1.0;  // halves to even
