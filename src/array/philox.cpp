@@ -78,20 +78,31 @@ __attribute__((target("avx2"))) void lanesAvx2(const std::uint32_t key[2], std::
                                                std::uint64_t ctrHi, std::uint32_t* out) {
   constexpr int V = kLanes / 4;
   __m256i c0[V], c1[V], c2[V], c3[V];
-  for (int v = 0; v < V; ++v) {
-    alignas(32) std::uint64_t w[4][4];
-    for (int j = 0; j < 4; ++j) {
-      std::uint64_t lo = ctrLo + static_cast<std::uint64_t>(4 * v + j);
-      std::uint64_t hi = ctrHi + (lo < ctrLo ? 1u : 0u);
-      w[0][j] = lo & 0xFFFFFFFFu;
-      w[1][j] = lo >> 32;
-      w[2][j] = hi & 0xFFFFFFFFu;
-      w[3][j] = hi >> 32;
+  if (static_cast<std::uint32_t>(ctrLo) <= 0xFFFFFFFFu - (kLanes - 1)) {
+    // No carry out of the lowest word inside the batch: words 1 to 3 are shared.
+    const __m256i base = _mm256_set1_epi64x(static_cast<std::uint32_t>(ctrLo));
+    for (int v = 0; v < V; ++v) {
+      c0[v] = _mm256_add_epi64(base, _mm256_set_epi64x(4 * v + 3, 4 * v + 2, 4 * v + 1, 4 * v));
+      c1[v] = _mm256_set1_epi64x(ctrLo >> 32);
+      c2[v] = _mm256_set1_epi64x(ctrHi & 0xFFFFFFFFu);
+      c3[v] = _mm256_set1_epi64x(ctrHi >> 32);
     }
-    c0[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[0]));
-    c1[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[1]));
-    c2[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[2]));
-    c3[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[3]));
+  } else {
+    for (int v = 0; v < V; ++v) {
+      alignas(32) std::uint64_t w[4][4];
+      for (int j = 0; j < 4; ++j) {
+        std::uint64_t lo = ctrLo + static_cast<std::uint64_t>(4 * v + j);
+        std::uint64_t hi = ctrHi + (lo < ctrLo ? 1u : 0u);
+        w[0][j] = lo & 0xFFFFFFFFu;
+        w[1][j] = lo >> 32;
+        w[2][j] = hi & 0xFFFFFFFFu;
+        w[3][j] = hi >> 32;
+      }
+      c0[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[0]));
+      c1[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[1]));
+      c2[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[2]));
+      c3[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[3]));
+    }
   }
   const __m256i m0 = _mm256_set1_epi64x(kM0), m1 = _mm256_set1_epi64x(kM1);
   std::uint32_t k0 = key[0], k1 = key[1];
@@ -126,20 +137,32 @@ __attribute__((target("avx512f"))) void lanesAvx512(const std::uint32_t key[2], 
                                                     std::uint64_t ctrHi, std::uint32_t* out) {
   constexpr int V = kLanes / 8;
   __m512i c0[V], c1[V], c2[V], c3[V];
-  for (int v = 0; v < V; ++v) {
-    alignas(64) std::uint64_t w[4][8];
-    for (int j = 0; j < 8; ++j) {
-      std::uint64_t lo = ctrLo + static_cast<std::uint64_t>(8 * v + j);
-      std::uint64_t hi = ctrHi + (lo < ctrLo ? 1u : 0u);
-      w[0][j] = lo & 0xFFFFFFFFu;
-      w[1][j] = lo >> 32;
-      w[2][j] = hi & 0xFFFFFFFFu;
-      w[3][j] = hi >> 32;
+  if (static_cast<std::uint32_t>(ctrLo) <= 0xFFFFFFFFu - (kLanes - 1)) {
+    // No carry out of the lowest word inside the batch: words 1 to 3 are shared.
+    const __m512i base = _mm512_set1_epi64(static_cast<std::uint32_t>(ctrLo));
+    for (int v = 0; v < V; ++v) {
+      c0[v] = _mm512_add_epi64(base, _mm512_set_epi64(8 * v + 7, 8 * v + 6, 8 * v + 5, 8 * v + 4, 8 * v + 3,
+                                                      8 * v + 2, 8 * v + 1, 8 * v));
+      c1[v] = _mm512_set1_epi64(static_cast<long long>(ctrLo >> 32));
+      c2[v] = _mm512_set1_epi64(static_cast<long long>(ctrHi & 0xFFFFFFFFu));
+      c3[v] = _mm512_set1_epi64(static_cast<long long>(ctrHi >> 32));
     }
-    c0[v] = _mm512_load_si512(w[0]);
-    c1[v] = _mm512_load_si512(w[1]);
-    c2[v] = _mm512_load_si512(w[2]);
-    c3[v] = _mm512_load_si512(w[3]);
+  } else {
+    for (int v = 0; v < V; ++v) {
+      alignas(64) std::uint64_t w[4][8];
+      for (int j = 0; j < 8; ++j) {
+        std::uint64_t lo = ctrLo + static_cast<std::uint64_t>(8 * v + j);
+        std::uint64_t hi = ctrHi + (lo < ctrLo ? 1u : 0u);
+        w[0][j] = lo & 0xFFFFFFFFu;
+        w[1][j] = lo >> 32;
+        w[2][j] = hi & 0xFFFFFFFFu;
+        w[3][j] = hi >> 32;
+      }
+      c0[v] = _mm512_load_si512(w[0]);
+      c1[v] = _mm512_load_si512(w[1]);
+      c2[v] = _mm512_load_si512(w[2]);
+      c3[v] = _mm512_load_si512(w[3]);
+    }
   }
   const __m512i m0 = _mm512_set1_epi64(kM0), m1 = _mm512_set1_epi64(kM1);
   std::uint32_t k0 = key[0], k1 = key[1];

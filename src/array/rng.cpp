@@ -184,10 +184,9 @@ void TRngStream::RandomUniform(TKalpa& Dst, double Low, double High) {
   for (std::size_t done = 0; done < n;) {
     std::size_t m = std::min(kBatch, n - done);
     bits.Words(words, 2 * m);
-    for (std::size_t i = 0; i < m; ++i) {
-      std::uint64_t w = words[2 * i] | (static_cast<std::uint64_t>(words[2 * i + 1]) << 32);
-      out[done + i] = Low + width * (static_cast<double>(w >> 11) * 0x1.0p-53);
-    }
+    double* o = out + done;
+    for (std::size_t i = 0; i < m; ++i)
+      o[i] = Low + width * rng::Uniform53(words[2 * i] | (static_cast<std::uint64_t>(words[2 * i + 1]) << 32));
     done += m;
   }
 }

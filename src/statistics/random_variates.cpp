@@ -109,10 +109,12 @@ void gammaMarsagliaTsang(double A, double* out, int n, bool logScale) {
   gen[2].RandomUniform(*power, kOpenLow, kOpenHigh);
   const double* u = power->data();
   const double e = 1.0 / A;
+  // U^(1/A) as exp(log(U)/A): half the time of pow, at a relative error of
+  // |log U|/A eps, which stays at the rounding of a value that does not underflow.
   if (logScale) {
     for (int i = 0; i < n; ++i) out[i] += std::log(u[i]) * e;
   } else {
-    for (int i = 0; i < n; ++i) out[i] *= std::pow(u[i], e);
+    for (int i = 0; i < n; ++i) out[i] *= std::exp(std::log(u[i]) * e);
   }
 }
 
