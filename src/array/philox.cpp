@@ -69,7 +69,9 @@ void lanesPortable(const std::uint32_t key[2], std::uint64_t ctrLo, std::uint64_
 // GCC 12 flags the undefined vector inside its own AVX-512 broadcast intrinsics.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 // The vector kernels keep each 32-bit word in a 64-bit lane: the multiplication
 // reads the low halves only, so the high halves may carry anything until the
 // final store, and a round is two multiplications, two shifts and two

@@ -87,16 +87,11 @@ void TRandomGenerator::Place(TRngStream& s, int index) const {
 // --- shared checks ------------------------------------------------------------------
 
 namespace {
-double* realDestination(TKalpa& Dst) {
-  if (Dst.Complex()) ERaise(msg::ComplexNotSupported);
-  return Dst.data();
-}
-void require(bool ok) {
-  if (!ok) ERaise(msg::InvalidParameter);
-}
 bool finite(double x) { return std::isfinite(x); }
 // A location and a scale: both finite, the scale >= 0 (0: the location itself).
-void requireLocationScale(double location, double scale) { require(finite(location) && finite(scale) && scale >= 0.0); }
+void requireLocationScale(double location, double scale) {
+  rng::Require(finite(location) && finite(scale) && scale >= 0.0);
+}
 }  // namespace
 
 // --- tables of the samplers ---------------------------------------------------------
@@ -172,10 +167,10 @@ void TRngStream::RandomBits(std::span<std::uint32_t> Dst) {
 }
 
 void TRngStream::RandomUniform(TKalpa& Dst, double Low, double High) {
-  double* out = realDestination(Dst);
-  require(finite(Low) && finite(High) && Low <= High);
+  double* out = rng::RealDestination(Dst);
+  rng::Require(finite(Low) && finite(High) && Low <= High);
   double width = High - Low;
-  require(finite(width));
+  rng::Require(finite(width));
   std::size_t n = static_cast<std::size_t>(Dst.Length());
   BitSource bits(key_, counter_);
   // Words in batches that stay in the first-level cache, 53 bits per value.
@@ -192,9 +187,9 @@ void TRngStream::RandomUniform(TKalpa& Dst, double Low, double High) {
 }
 
 void TRngStream::RandomGaussian(TKalpa& Dst, double Mu, double Sigma, TGaussRandMethod Method) {
-  double* out = realDestination(Dst);
+  double* out = rng::RealDestination(Dst);
   requireLocationScale(Mu, Sigma);
-  require(Method == gmZiggurat || Method == gmBoxMuller);
+  rng::Require(Method == gmZiggurat || Method == gmBoxMuller);
   int n = Dst.Length();
   BitSource bits(key_, counter_);
   if (Method == gmZiggurat) {
@@ -213,7 +208,7 @@ void TRngStream::RandomGaussian(TKalpa& Dst, double Mu, double Sigma, TGaussRand
 }
 
 void TRngStream::RandomExponential(TKalpa& Dst, double A, double Beta) {
-  double* out = realDestination(Dst);
+  double* out = rng::RealDestination(Dst);
   requireLocationScale(A, Beta);
   int n = Dst.Length();
   BitSource bits(key_, counter_);
@@ -221,7 +216,7 @@ void TRngStream::RandomExponential(TKalpa& Dst, double A, double Beta) {
 }
 
 void TRngStream::RandomCauchy(TKalpa& Dst, double A, double B) {
-  double* out = realDestination(Dst);
+  double* out = rng::RealDestination(Dst);
   requireLocationScale(A, B);
   int n = Dst.Length();
   BitSource bits(key_, counter_);
@@ -231,7 +226,7 @@ void TRngStream::RandomCauchy(TKalpa& Dst, double A, double B) {
 }
 
 void TRngStream::RandomLaplace(TKalpa& Dst, double A, double B) {
-  double* out = realDestination(Dst);
+  double* out = rng::RealDestination(Dst);
   requireLocationScale(A, B);
   int n = Dst.Length();
   BitSource bits(key_, counter_);
@@ -244,7 +239,7 @@ void TRngStream::RandomLaplace(TKalpa& Dst, double A, double B) {
 }
 
 void TRngStream::RandomRayleigh(TKalpa& Dst, double A, double Beta) {
-  double* out = realDestination(Dst);
+  double* out = rng::RealDestination(Dst);
   requireLocationScale(A, Beta);
   int n = Dst.Length();
   BitSource bits(key_, counter_);
@@ -252,9 +247,9 @@ void TRngStream::RandomRayleigh(TKalpa& Dst, double A, double Beta) {
 }
 
 void TRngStream::RandomWeibull(TKalpa& Dst, double Alpha, double A, double Beta) {
-  double* out = realDestination(Dst);
+  double* out = rng::RealDestination(Dst);
   requireLocationScale(A, Beta);
-  require(finite(Alpha) && Alpha > 0.0);
+  rng::Require(finite(Alpha) && Alpha > 0.0);
   int n = Dst.Length();
   double inverseShape = 1.0 / Alpha;
   BitSource bits(key_, counter_);
@@ -262,8 +257,8 @@ void TRngStream::RandomWeibull(TKalpa& Dst, double Alpha, double A, double Beta)
 }
 
 void TRngStream::RandomTriangular(TKalpa& Dst, double A, double B, double C) {
-  double* out = realDestination(Dst);
-  require(finite(A) && finite(B) && finite(C) && A <= C && C <= B);
+  double* out = rng::RealDestination(Dst);
+  rng::Require(finite(A) && finite(B) && finite(C) && A <= C && C <= B);
   int n = Dst.Length();
   BitSource bits(key_, counter_);
   double width = B - A;

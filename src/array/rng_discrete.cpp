@@ -17,13 +17,6 @@ namespace statkit {
 using rng::BitSource;
 
 namespace {
-double* realDestination(TKalpa& Dst) {
-  if (Dst.Complex()) ERaise(msg::ComplexNotSupported);
-  return Dst.data();
-}
-void require(bool ok) {
-  if (!ok) ERaise(msg::InvalidParameter);
-}
 void fill(double* out, int n, double value) {
   for (int i = 0; i < n; ++i) out[i] = value;
 }
@@ -32,8 +25,8 @@ constexpr double kTableVariance = 10.0;
 }  // namespace
 
 void TRngStream::RandomBinomial(TKalpa& Dst, int Trials, double P) {
-  double* out = realDestination(Dst);
-  require(Trials >= 0 && P >= 0.0 && P <= 1.0);
+  double* out = rng::RealDestination(Dst);
+  rng::Require(Trials >= 0 && P >= 0.0 && P <= 1.0);
   int count = Dst.Length();
   BitSource bits(key_, counter_);
   double n = Trials;
@@ -54,8 +47,8 @@ void TRngStream::RandomBinomial(TKalpa& Dst, int Trials, double P) {
 }
 
 void TRngStream::RandomPoisson(TKalpa& Dst, double Lambda, TPoissonRandMethod Method) {
-  double* out = realDestination(Dst);
-  require(Method == pmPTRS && std::isfinite(Lambda) && Lambda >= 0.0);
+  double* out = rng::RealDestination(Dst);
+  rng::Require(Method == pmPTRS && std::isfinite(Lambda) && Lambda >= 0.0);
   int count = Dst.Length();
   BitSource bits(key_, counter_);
   if (Lambda == 0.0) return fill(out, count, 0.0);
@@ -70,8 +63,8 @@ void TRngStream::RandomPoisson(TKalpa& Dst, double Lambda, TPoissonRandMethod Me
 }
 
 void TRngStream::RandomNegbinomial(TKalpa& Dst, double R, double P) {
-  double* out = realDestination(Dst);
-  require(std::isfinite(R) && R > 0.0 && P >= 0.0 && P <= 1.0);
+  double* out = rng::RealDestination(Dst);
+  rng::Require(std::isfinite(R) && R > 0.0 && P >= 0.0 && P <= 1.0);
   int count = Dst.Length();
   BitSource bits(key_, counter_);
   if (P == 0.0) return fill(out, count, INF);  // no success ever: infinitely many failures
@@ -84,8 +77,8 @@ void TRngStream::RandomNegbinomial(TKalpa& Dst, double R, double P) {
 }
 
 void TRngStream::RandomHypergeometric(TKalpa& Dst, int Population, int Marked, int Sample) {
-  double* out = realDestination(Dst);
-  require(Population >= 0 && Marked >= 0 && Sample >= 0 && Marked <= Population && Sample <= Population);
+  double* out = rng::RealDestination(Dst);
+  rng::Require(Population >= 0 && Marked >= 0 && Sample >= 0 && Marked <= Population && Sample <= Population);
   int count = Dst.Length();
   BitSource bits(key_, counter_);
   double N = Population, M = Marked, n = Sample;

@@ -11,8 +11,22 @@
 #include <vector>
 
 #include "array/philox.h"
+#include "statkit/array/Errors.h"
+#include "statkit/array/Kalpa.h"
 
 namespace statkit::rng {
+
+// --- the checks every stream method makes ------------------------------------------
+
+/// The storage of a real destination; a complex one raises "Complex data not supported".
+inline double* RealDestination(TKalpa& Dst) {
+  if (Dst.Complex()) ERaise(msg::ComplexNotSupported);
+  return Dst.data();
+}
+/// Raises "Invalid parameter" unless \p ok (NaN comparisons are false, so NaN is refused).
+inline void Require(bool ok) {
+  if (!ok) ERaise(msg::InvalidParameter);
+}
 
 inline constexpr double kLogSqrt2Pi = 0.91893853320467274178;  // log(sqrt(2 pi))
 
