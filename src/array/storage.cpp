@@ -9,6 +9,10 @@
 #include <cstring>
 #include <new>
 
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
 #include "statkit/array/Kalpa.h"
 #include "statkit/array/Math.h"
 
@@ -16,16 +20,27 @@ namespace statkit {
 
 namespace detail {
 
+// Large buffers are aligned to 2 MiB and offered transparent huge pages: a
+// pass over 10^7 doubles then takes a few dozen TLB misses instead of 20000,
+// which is a fifth of the time of a reduction.
+constexpr std::size_t kHugePage = std::size_t(1) << 21;
+
+std::size_t alignmentFor(std::size_t bytes) { return bytes >= 2 * kHugePage ? kHugePage : 64; }
+
 struct Buffer {
-  explicit Buffer(std::size_t n) : capacity(n) {
-    data = static_cast<double*>(::operator new[](n * sizeof(double), std::align_val_t(64)));
+  explicit Buffer(std::size_t n) : capacity(n), alignment(alignmentFor(n * sizeof(double))) {
+    data = static_cast<double*>(::operator new[](n * sizeof(double), std::align_val_t(alignment)));
+#if defined(__linux__) && defined(MADV_HUGEPAGE)
+    if (alignment == kHugePage) madvise(data, n * sizeof(double) & ~(kHugePage - 1), MADV_HUGEPAGE);
+#endif
   }
-  ~Buffer() { ::operator delete[](data, std::align_val_t(64)); }
+  ~Buffer() { ::operator delete[](data, std::align_val_t(alignment)); }
   Buffer(const Buffer&) = delete;
   Buffer& operator=(const Buffer&) = delete;
 
   double* data;
   std::size_t capacity;
+  std::size_t alignment;
 };
 
 void RaiseIndex() { ERaise(msg::IndexOutOfRange); }
