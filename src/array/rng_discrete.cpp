@@ -42,7 +42,7 @@ void TRngStream::RandomBinomial(TKalpa& Dst, int Trials, double P) {
     for (int i = 0; i < count; ++i) place(i, table(bits.U01()));
     return;
   }
-  rng::BinomialBTRD btrd(n, p);
+  rng::BinomialBTRD btrd(n, p, count);
   for (int i = 0; i < count; ++i) place(i, btrd(bits));
 }
 
@@ -58,7 +58,7 @@ void TRngStream::RandomPoisson(TKalpa& Dst, double Lambda, TPoissonRandMethod Me
     for (int i = 0; i < count; ++i) out[i] = table(bits.U01());
     return;
   }
-  rng::PoissonPTRS ptrs(Lambda, true);
+  rng::PoissonPTRS ptrs(Lambda, count);
   for (int i = 0; i < count; ++i) out[i] = ptrs(bits);
 }
 
@@ -69,10 +69,11 @@ void TRngStream::RandomNegbinomial(TKalpa& Dst, double R, double P) {
   BitSource bits(key_, counter_);
   if (P == 0.0) return fill(out, count, INF);  // no success ever: infinitely many failures
   if (P == 1.0) return fill(out, count, 0.0);
+  double scale = (1.0 - P) / P;
+  if (!std::isfinite(scale)) return fill(out, count, INF);  // P so small that the mean overflows
   // A Poisson variate whose mean is a gamma variate of shape R and scale (1 - P)/P
   // (Devroye, Non-Uniform Random Variate Generation, 1986, X.4.7).
   const auto& zig = rng::Ziggurat();
-  double scale = (1.0 - P) / P;
   for (int i = 0; i < count; ++i) out[i] = rng::PoissonAny(bits, rng::GammaMT(bits, zig, R) * scale);
 }
 
@@ -105,7 +106,7 @@ void TRngStream::RandomHypergeometric(TKalpa& Dst, int Population, int Marked, i
     for (int i = 0; i < count; ++i) place(i, table(bits.U01()));
     return;
   }
-  rng::HypergeometricHRUA hrua(N, M1, n1);
+  rng::HypergeometricHRUA hrua(N, M1, n1, count);
   for (int i = 0; i < count; ++i) place(i, hrua(bits));
 }
 

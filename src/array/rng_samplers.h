@@ -53,8 +53,11 @@ inline double LogFactorialRatio(double a, double b) {
 /// as they are first computed.
 class LogMemo {
 public:
-  /// Keeps the whole numbers from \p centre - \p halfWidth on, at most 2^16 of them.
-  void Reserve(double centre, double halfWidth) {
+  /// Keeps the whole numbers within \p spread of \p centre, but no more than
+  /// about as many as the fill draws (\p draws) and at most 2^16.
+  void Reserve(double centre, double spread, double draws) {
+    double halfWidth = std::fmin(spread, draws);
+    if (!(halfWidth >= 1.0)) return;
     double width = std::fmin(std::ceil(2.0 * halfWidth) + 1.0, 65536.0);
     first_ = std::floor(centre - 0.5 * (width - 1.0));
     values_.assign(static_cast<std::size_t>(width), kUnknown);
@@ -163,14 +166,14 @@ inline double PoissonBySearch(BitSource& bits, double lambda) {
 /// Mathematics and Economics 12, 1993; for lambda >= 10.
 class PoissonPTRS {
 public:
-  /// \p memo: keep log-probabilities near the mean (for many values of one mean).
-  PoissonPTRS(double lambda, bool memo) : lambda_(lambda) {
+  /// \p draws: how many values the caller draws with this mean (sizes the memo).
+  PoissonPTRS(double lambda, double draws) : lambda_(lambda) {
     double s = std::sqrt(lambda);
     b_ = 0.931 + 2.53 * s;
     a_ = -0.059 + 0.02483 * b_;
     invAlpha_ = 1.1239 + 1.1328 / (b_ - 3.4);
     vr_ = 0.9277 - 3.6224 / (b_ - 2.0);
-    if (memo) memo_.Reserve(lambda, 8.0 * s + 16.0);
+    memo_.Reserve(lambda, 8.0 * s + 16.0, draws);
   }
   double operator()(BitSource& bits) {
     for (;;) {
@@ -196,9 +199,12 @@ private:
   LogMemo memo_;
 };
 
-/// One Poisson variate of any mean (the mean may change from call to call).
+/// One Poisson variate of any mean (the mean may change from call to call); an
+/// infinite mean (an overflowed product) gives +INF.
 inline double PoissonAny(BitSource& bits, double lambda) {
-  return lambda < 10.0 ? PoissonBySearch(bits, lambda) : PoissonPTRS(lambda, false)(bits);
+  if (lambda < 10.0) return PoissonBySearch(bits, lambda);
+  if (!std::isfinite(lambda)) return lambda;
+  return PoissonPTRS(lambda, 0.0)(bits);
 }
 
 // --- guide-table inversion -----------------------------------------------------------
@@ -264,7 +270,8 @@ private:
 /// log-ratio of probabilities to the mode.
 class BinomialBTRD {
 public:
-  BinomialBTRD(double n, double p) : n_(n), p_(p) {
+  /// \p draws: how many values the caller draws with these parameters (sizes the memo).
+  BinomialBTRD(double n, double p, double draws) : n_(n), p_(p) {
     double q = 1.0 - p;
     m_ = std::floor((n + 1.0) * p);
     r_ = p / q;
@@ -278,7 +285,7 @@ public:
     alpha_ = (2.83 + 5.1 / b_) * s;
     vr_ = 0.92 - 4.2 / b_;
     urvr_ = 0.86 * vr_;
-    memo_.Reserve(m_, 8.0 * s + 16.0);
+    memo_.Reserve(m_, 8.0 * s + 16.0, draws);
   }
   double operator()(BitSource& bits) {
     for (;;) {
@@ -337,7 +344,9 @@ private:
 /// The hat covers the whole support (no truncation), so the method is exact.
 class HypergeometricHRUA {
 public:
-  HypergeometricHRUA(double total, double marked, double sample) : N_(total), M_(marked), n_(sample) {
+  /// \p draws: how many values the caller draws with these parameters (sizes the memo).
+  HypergeometricHRUA(double total, double marked, double sample, double draws)
+      : N_(total), M_(marked), n_(sample) {
     constexpr double kD1 = 1.7155277699214135;  // 2 sqrt(2/e)
     constexpr double kD2 = 0.8989161620588988;  // 3 - 2 sqrt(3/e)
     double p = marked / total;
@@ -347,7 +356,7 @@ public:
     h_ = kD1 * std::sqrt(var + 0.5) + kD2;
     m_ = std::floor((sample + 1.0) * (marked + 1.0) / (total + 2.0));
     bound_ = std::fmin(sample, marked) + 1.0;
-    memo_.Reserve(mean, 8.0 * std::sqrt(var) + 16.0);
+    memo_.Reserve(mean, 8.0 * std::sqrt(var) + 16.0, draws);
   }
   double operator()(BitSource& bits) {
     for (;;) {

@@ -216,6 +216,7 @@ TEST(RandomVariates, DegenerateParametersGiveTheirLimit) {
       {"binom n 0", [](TDenseKalpa& r) { RandomBinom(0, 0.4, r); }, 0},
       {"geometric p 0", [](TDenseKalpa& r) { RandomGeometric(0, r); }, INF},
       {"negbinom p 0", [](TDenseKalpa& r) { RandomNegBinom(2, 0, r); }, INF},
+      {"negbinom mean beyond the doubles", [](TDenseKalpa& r) { RandomNegBinom(2, 1e-320, r); }, INF},
       {"uniformD N 0", [](TDenseKalpa& r) { RandomUniformD(0, r); }, 0},
       {"uniformD N 1", [](TDenseKalpa& r) { RandomUniformD(1, r); }, 1},
       {"hypgeometric N = M + K, no marked item", [](TDenseKalpa& r) { RandomHypGeometric(5, 0, 5, r); }, 0},
