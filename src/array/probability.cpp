@@ -428,6 +428,47 @@ Tails betaTails(double a, double b, double x) {
   return fromUpper(prefix / (b * betaFraction(b, a, y)), dens);
 }
 
+// Newton's method for tail(x) = q on the logarithms, ln tail against ln x, from a
+// starting point that may be far off: Boost's ibeta_inv loses the far tails (4e-51
+// instead of 2.6e-151 for p = 1e-300 with shapes 2 and 5), where ln tail is nearly
+// linear in ln x. Stepping x by the factor exp(dt) keeps its full precision.
+// tailAt(x) gives {tail, d tail/dx}; xMax bounds the support.
+template <class TailAt>
+double refineQuantile(double x0, double q, double xMax, TailAt tailAt) {
+  double lnq = std::log(q);
+  if (x0 == 0.0) {
+    // A start at 0: the quantile may lie below the smallest double (gamma shape 1e-5
+    // at p = 1/2: 0.5^100000), which the lower tail there decides.
+    if (tailAt(std::numeric_limits<double>::denorm_min()).first >= q) return 0.0;
+  }
+  double x = x0 > 0.0 && x0 < xMax ? x0 : std::min(1.0, 0.5 * xMax);
+  double best = kNaN, bestErr = kInf;
+  for (int i = 0; i < 200; ++i) {
+    auto [tail, slope] = tailAt(x);
+    double dt;
+    if (!(tail > 0.0) || !(tail < 1.0)) {
+      // The tail has run out of range: walk back geometrically.
+      bool tooFarOut = !(tail > 0.0) == (slope >= 0.0);
+      dt = tooFarOut ? 2.0 : -2.0;
+      if (!(slope == slope)) return best;
+    } else {
+      double g = std::log(tail) - lnq;
+      if (std::fabs(g) < bestErr) bestErr = std::fabs(g), best = x;
+      double dg = slope * x / tail;
+      if (!(dg != 0.0) || !std::isfinite(dg)) return best;
+      dt = std::clamp(-g / dg, -50.0, 50.0);
+      // A start that our tail confirms to 1e-14 is kept: Boost's promoted root is then
+      // the more precise one (our tails are within 1e-13, not exact).
+      if (i == 0 && std::fabs(dt) <= 1e-14) return x;
+    }
+    double next = x * std::exp(dt);
+    if (next >= xMax) next = 0.5 * (x + xMax);
+    if (std::fabs(dt) <= 2e-16 || next == x) return next;
+    x = next;
+  }
+  return best;
+}
+
 // ---------------------------------------------------------------------------
 // Gamma family: gamma, chi-square, Poisson.
 
@@ -468,11 +509,20 @@ double gammaDensity(double x, double A, double B) {
   return f / B;
 }
 
+// P(A, x) = p from Boost's inverse, refined on the smaller tail (Boost's is off by
+// 3e-9 relative at A = 1e15, where its incomplete gamma function drifts).
 double gammaQuantile(double p, double A) {
   if (p == 0.0) return 0.0;
   if (p == 1.0) return kInf;
-  if (p <= 0.5) return noThrow([&] { return bm::gamma_p_inv(A, p, PrecisePolicy()); });
-  return noThrow([&] { return bm::gamma_q_inv(A, 1.0 - p, PrecisePolicy()); });
+  bool upper = p > 0.5;
+  double q = upper ? 1.0 - p : p;
+  double x0 = noThrow([&] {
+    return upper ? bm::gamma_q_inv(A, q, PrecisePolicy()) : bm::gamma_p_inv(A, q, PrecisePolicy());
+  });
+  return refineQuantile(x0, q, kInf, [&](double x) {
+    Tails t = gammaTails(A, x);
+    return upper ? std::pair{t.upper, -t.density} : std::pair{t.lower, t.density};
+  });
 }
 
 // ---------------------------------------------------------------------------
@@ -585,39 +635,6 @@ double fDensity(double x, double n1, double n2) {
   if (u.lo != 0.0 && f > 0.0 && std::isfinite(f)) f += f * u.lo * ((a - 1.0) / u.hi - (b - 1.0) / (1.0 - u.hi));
   // Factor by factor: n1 n2/d^2 alone may underflow where the density does not.
   return ((f * (n1 / d.hi)) * (n2 / d.hi)) * (1.0 - 2.0 * d.lo / d.hi);
-}
-
-// Newton's method for tail(x) = q on the logarithms, ln tail against ln x, from a
-// starting point that may be far off: Boost's ibeta_inv loses the far tails (4e-51
-// instead of 2.6e-151 for p = 1e-300 with shapes 2 and 5), where ln tail is nearly
-// linear in ln x. Stepping x by the factor exp(dt) keeps its full precision.
-// tailAt(x) gives {tail, d tail/dx}; xMax bounds the support.
-template <class TailAt>
-double refineQuantile(double x0, double q, double xMax, TailAt tailAt) {
-  double lnq = std::log(q);
-  double x = x0 > 0.0 && x0 < xMax ? x0 : std::min(1.0, 0.5 * xMax);
-  double best = kNaN, bestErr = kInf;
-  for (int i = 0; i < 200; ++i) {
-    auto [tail, slope] = tailAt(x);
-    double dt;
-    if (!(tail > 0.0) || !(tail < 1.0)) {
-      // The tail has run out of range: walk back geometrically.
-      bool tooFarOut = !(tail > 0.0) == (slope >= 0.0);
-      dt = tooFarOut ? 2.0 : -2.0;
-      if (!(slope == slope)) return best;
-    } else {
-      double g = std::log(tail) - lnq;
-      if (std::fabs(g) < bestErr) bestErr = std::fabs(g), best = x;
-      double dg = slope * x / tail;
-      if (!(dg != 0.0) || !std::isfinite(dg)) return best;
-      dt = std::clamp(-g / dg, -50.0, 50.0);
-    }
-    double next = x * std::exp(dt);
-    if (next >= xMax) next = 0.5 * (x + xMax);
-    if (std::fabs(dt) <= 2e-16 || next == x) return next;
-    x = next;
-  }
-  return best;
 }
 
 // I_x(a, b) = p from Boost's inverse, refined on the smaller tail (the upper one at
