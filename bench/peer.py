@@ -8,12 +8,17 @@ Usage: bench/peer.py [--build DIR] [--filter REGEX] [--repeats N]
 Each topic has a benchmark program bench/<topic>_bench.cpp and a module
 bench/peer_<topic>.py that defines PEERS: a dict from a benchmark name to a
 function returning a zero-argument callable that runs the peer's workload on
-the same data (the data generators live beside it). The statkit time is the
+the same data (the data generators live beside it). A module may also define
+RELATIVE: a dict from a benchmark name to another benchmark of the same
+program, reported as a speed ratio within one run (a kernel against the
+memory-bandwidth loop, say). The statkit time is the
 benchmark's real time per iteration; the peer time is the best of N runs.
 """
 import argparse, glob, importlib.util, json, os, re, subprocess, sys, time
 
 here = os.path.dirname(os.path.abspath(__file__))
+
+relative = {}  # statkit kernel -> (topic, statkit baseline of the same run)
 
 def load_peers():
     peers = {}
@@ -24,6 +29,8 @@ def load_peers():
         topic = os.path.basename(path)[len("peer_"):-3]
         for name, make in mod.PEERS.items():
             peers[name] = (topic, make)
+        for name, base in getattr(mod, "RELATIVE", {}).items():
+            relative[name] = (topic, base)
     return peers
 
 def best_time(fn, repeats):
@@ -66,6 +73,12 @@ def main():
                 print(f"{n:48s} {'missing':>12s}")
                 continue
             print(f"{n:48s} {st*1e3:10.3f}ms {pt*1e3:10.3f}ms {st/pt:7.3f}")
+    for n, (topic, base) in relative.items():
+        if not re.search(a.filter, n):
+            continue
+        sk = run_statkit(a.build, topic, re.escape(n) + "$|" + re.escape(base) + "$")
+        if n in sk and base in sk:
+            print(f"{n} runs at {100 * sk[base] / sk[n]:.0f}% of the speed of {base} (same run)")
     return 0
 
 if __name__ == "__main__":

@@ -113,6 +113,7 @@ protected:
   /// Gives up storage that a view may share, for an object going back to the pool.
   void ReleaseShared();
   void CheckRange(int index, int len) const;
+  bool Narrowed() const { return narrowed_; }
 
   double& RealAt(int i) const {
     if (static_cast<unsigned>(i) >= static_cast<unsigned>(length_)) detail::RaiseIndex();
@@ -450,8 +451,8 @@ private:
 
   int rows_ = 0;
   int cols_ = 0;
-  int fullRows_ = 0;
-  int fullCols_ = 0;
+  int fullRows_ = -1;  // the shape to restore after a SetSubIndex narrowing, -1 when none
+  int fullCols_ = -1;
   TTriangleForm triangleForm_ = tfLower;
   bool triangleUnit_ = false;
   bool refineSolution_ = false;

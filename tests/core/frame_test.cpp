@@ -1,0 +1,168 @@
+// The calling frame through small operations shaped like the library's own:
+// a check before the protected block, pool temporaries inside it, nested
+// calls. Messages must nest one prefix per block, every temporary must go
+// back to the pool also when an error passes through, and concurrent calls
+// must not disturb each other.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "core/frame.h"
+#include "support/expect.h"
+
+namespace statkit::core {
+namespace {
+
+using namespace statkit::Statistics;
+
+enum class Fault { none, arrayError, foreignException, unknownException };
+
+// A test-only operation: its own check before the block, the work inside it.
+double InnerOp(const TVec& x, Fault fault) {
+  if (x.Length() == 0) ERaise("InnerOp: X.Length = 0");
+  return Guarded("InnerOp : ", [&] {
+    PooledVec squares;
+    squares->Sqr(x);
+    if (fault == Fault::arrayError) (void)(*squares)[x.Length()];
+    if (fault == Fault::foreignException) (void)std::vector<int>().at(1);
+    if (fault == Fault::unknownException) throw 42;
+    return squares->Sum();
+  });
+}
+
+// A test-only operation that calls another inside its own block.
+double OuterOp(const TVec& x, Fault fault) {
+  return Guarded("OuterOp : ", [&] {
+    TVec *a, *b;
+    CreateIt(a, b);
+    try {
+      a->Copy(x);
+      b->Copy(x);
+      double r = InnerOp(*a, fault) + b->Length();
+      FreeIt(a, b);
+      return r;
+    } catch (...) {
+      FreeIt(a, b);
+      throw;
+    }
+  });
+}
+
+TEST(CallingFrame, EveryBlockAddsOnePrefixFromTheOutsideIn) {
+  TVec x{1, 2, 3};
+  TVec empty;
+  struct Case {
+    const char* what;
+    std::function<double()> call;
+    std::string message;
+  };
+  const Case cases[] = {
+      {"own check, no block", [&] { return InnerOp(empty, Fault::none); }, "InnerOp: X.Length = 0"},
+      {"inner check through the outer block", [&] { return OuterOp(empty, Fault::none); },
+       "OuterOp : InnerOp: X.Length = 0"},
+      {"array error inside both blocks", [&] { return OuterOp(x, Fault::arrayError); },
+       "OuterOp : InnerOp : Index out of range"},
+      {"a standard exception keeps its text", [&] { return InnerOp(x, Fault::foreignException); },
+       std::string("InnerOp : ") + [] {
+         try {
+           (void)std::vector<int>().at(1);
+         } catch (const std::exception& e) {
+           return std::string(e.what());
+         }
+         return std::string();
+       }()},
+      {"anything else", [&] { return OuterOp(x, Fault::unknownException); }, "OuterOp : InnerOp : Unknown error"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    test::PoolBalance balance;
+    EXPECT_TRUE(test::RaisesExactly(c.call, c.message));
+  }
+  test::PoolBalance balance;
+  EXPECT_EQ(OuterOp(x, Fault::none), 14 + 3);
+}
+
+TEST(CallingFrame, ConcurrentCallsKeepTheirTemporariesApart) {
+  const int start = PoolOutstanding();
+  std::atomic<int> wrong{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([t, &wrong] {
+      for (int i = 0; i < 2000; ++i) {
+        TVec x;
+        x.Size(1 + (i + t) % 50);
+        x.Ramp(t, 1);
+        double want = 0;
+        for (double v : x) want += v * v;
+        Fault fault = i % 7 == 0 ? Fault::arrayError : Fault::none;
+        try {
+          if (OuterOp(x, fault) != want + x.Length()) ++wrong;
+          if (fault != Fault::none) ++wrong;
+        } catch (const EArrayError& e) {
+          if (fault == Fault::none || std::string(e.what()) != "OuterOp : InnerOp : Index out of range") ++wrong;
+        }
+      }
+    });
+  }
+  for (auto& th : threads) th.join();
+  EXPECT_EQ(wrong.load(), 0);
+  EXPECT_EQ(PoolOutstanding(), start);
+}
+
+TEST(TestDecision, RejectsAtOrBelowAlphaAndCannotDecideNaN) {
+  struct Case {
+    double signif, alpha;
+    THypothesisResult want;
+  };
+  const Case cases[] = {
+      {0.05, 0.05, hrReject}, {0.0500000001, 0.05, hrNotReject}, {0.0, 0.05, hrReject},
+      {1.0, 0.05, hrNotReject}, {NAN, 0.05, hrNan},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Decide(c.signif, c.alpha), c.want) << c.signif;
+  EXPECT_FALSE(ValidAlpha(0.0));
+  EXPECT_FALSE(ValidAlpha(1.0));
+  EXPECT_FALSE(ValidAlpha(NAN));
+  EXPECT_TRUE(ValidAlpha(0.5));
+}
+
+TEST(TestDecision, TailsAndIntervalsFollowTheAlternative) {
+  EXPECT_EQ(TailSignificance(htLeftTailed, 0.1, 0.9), 0.1);
+  EXPECT_EQ(TailSignificance(htRightTailed, 0.1, 0.9), 0.9);
+  EXPECT_EQ(TailSignificance(htTwoTailed, 0.7, 0.3), 0.6);
+  EXPECT_EQ(TailSignificance(htTwoTailed, 0.7, 0.3, false), 0.3);
+  EXPECT_TRUE(std::isnan(TailSignificance(htTwoTailed, NAN, 0.3)));
+
+  double ci[2];
+  WriteLocationInterval(ci, htTwoTailed, 10, 2);
+  EXPECT_EQ(ci[0], 8);
+  EXPECT_EQ(ci[1], 12);
+  WriteLocationInterval(ci, htRightTailed, 10, 2);  // an upper bound
+  EXPECT_EQ(ci[0], -INF);
+  EXPECT_EQ(ci[1], 12);
+  WriteLocationInterval(ci, htLeftTailed, 10, 2);  // a lower bound
+  EXPECT_EQ(ci[0], 8);
+  EXPECT_EQ(ci[1], INF);
+  WriteLocationInterval(nullptr, htTwoTailed, 1, 1);  // no interval wanted
+
+  THypothesisResult h = hrReject;
+  double s = 0;
+  SetUndecided(h, s, ci);
+  EXPECT_EQ(h, hrNan);
+  EXPECT_TRUE(std::isnan(s) && std::isnan(ci[0]) && std::isnan(ci[1]));
+}
+
+TEST(Enumerations, PublishTheirValueNamesInOrder) {
+  EXPECT_EQ(THypothesisTypeNames[htLeftTailed], "htLeftTailed");
+  EXPECT_EQ(THypothesisResultNames[hrNan], "hrNan");
+  EXPECT_EQ(TPCAModeNames[PCACovMat], "PCACovMat");
+  EXPECT_EQ(TTestDistributionNames[distWeibull], "distWeibull");
+  EXPECT_EQ(TPercentileMethodNames[pctMethodEDFAve], "pctMethodEDFAve");
+  static_assert(sizeof(THypothesisType) == 1 && sizeof(TPercentileMethod) == 1);
+  static_assert(pctMethodEDF == 3 && distNormal == 3 && hrNan == 2);
+}
+
+}  // namespace
+}  // namespace statkit::core
