@@ -21,7 +21,9 @@ namespace statkit {
 bool Equal(double a, double b) {
   if (a == b) return true;
   constexpr double tol = 4.0 * std::numeric_limits<double>::epsilon();
-  return std::fabs(a - b) <= tol * std::fmax(std::fabs(a), std::fabs(b));  // false for NaN
+  // An infinity equals only itself: against it the relative bound would be inf <= inf.
+  const double d = std::fabs(a - b);
+  return d <= tol * std::fmax(std::fabs(a), std::fabs(b)) && d != INF;  // false for NaN
 }
 
 namespace {

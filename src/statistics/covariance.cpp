@@ -1,0 +1,224 @@
+// Covariance and correlation matrices (real or complex, divisor n or n - 1),
+// autocovariance and autocorrelation of a series, and partial autocorrelation
+// by the Durbin-Levinson recursion (Durbin 1960; Brockwell and Davis,
+// Time Series: Theory and Methods, 2nd ed., section 5.2).
+// Sums are formed from centred data: the one-pass textbook formula cancels
+// catastrophically on offset data such as NIST's NumAcc4.
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <vector>
+
+#include "core/frame.h"
+
+namespace statkit::Statistics {
+
+namespace {
+
+double divisor(int n, bool Biased) { return Biased ? n : n - 1.0; }
+
+double conjOf(double v) { return v; }
+TCplx conjOf(TCplx v) { return std::conj(v); }
+
+// C = D^H D for the centred rows D = X - 1 mean^T of a rows x cols row-major X (element
+// type double or TCplx), by the corrected two-pass formula (Chan, Golub and LeVeque 1983):
+// the sums of the deviations, zero but for the rounding of the mean, are taken back out.
+// Rows go in blocks whose sums are added to the total, so the rounding error grows with
+// the block length plus the block count instead of with the row count.
+template <class T>
+void centredCrossProducts(const T* x, int rows, int cols, const T* mean, T* C) {
+  constexpr int kBlockRows = 256;
+  const std::size_t p = static_cast<std::size_t>(cols);
+  std::vector<T> total(p * p, T(0)), block(p * p), d(p), devSum(p, T(0));
+  for (int r0 = 0; r0 < rows; r0 += kBlockRows) {
+    std::fill(block.begin(), block.end(), T(0));
+    for (int r = r0, r1 = std::min(rows, r0 + kBlockRows); r < r1; ++r) {
+      const T* row = x + r * p;
+      for (std::size_t j = 0; j < p; ++j) {
+        d[j] = row[j] - mean[j];
+        devSum[j] += d[j];
+      }
+      for (std::size_t i = 0; i < p; ++i) {
+        const T di = conjOf(d[i]);
+        T* b = &block[i * p];
+        for (std::size_t j = i; j < p; ++j) b[j] += di * d[j];
+      }
+    }
+    for (std::size_t i = 0; i < p; ++i)
+      for (std::size_t j = i; j < p; ++j) total[i * p + j] += block[i * p + j];
+  }
+  for (std::size_t i = 0; i < p; ++i)
+    for (std::size_t j = i; j < p; ++j) {
+      const T c = total[i * p + j] - conjOf(devSum[i]) * devSum[j] / static_cast<double>(rows);
+      C[i * p + j] = c;
+      C[j * p + i] = conjOf(c);  // Hermitian
+    }
+}
+
+// The covariance matrix of the columns of rows x cols data with the given column means.
+void covarianceOf(const double* x, int rows, int cols, bool complex, const double* mean, bool Biased,
+                  TMtx& Dst) {
+  std::vector<double> C(static_cast<std::size_t>(cols) * cols * (complex ? 2 : 1));
+  if (complex)
+    centredCrossProducts(reinterpret_cast<const TCplx*>(x), rows, cols, reinterpret_cast<const TCplx*>(mean),
+                         reinterpret_cast<TCplx*>(C.data()));
+  else
+    centredCrossProducts(x, rows, cols, mean, C.data());
+  const double d = divisor(rows, Biased);
+  Dst.Size(cols, cols, complex);  // after every read of the data: Dst may be the input
+  for (std::size_t i = 0; i < C.size(); ++i) Dst.data()[i] = C[i] / d;
+}
+
+// C(i, j) / sqrt(C(i, i) C(j, j)) with an exact unit diagonal (NaN where a variance is 0).
+// The square roots are taken one by one: their product cannot overflow or underflow
+// where the product of the variances would.
+void scaleToCorrelation(TMtx& C) {
+  const int p = C.Rows();
+  const bool cplx = C.Complex();
+  const int stride = cplx ? 2 : 1;
+  double* c = C.data();
+  std::vector<double> var(p), sd(p);
+  for (int i = 0; i < p; ++i) {
+    var[i] = c[(static_cast<std::size_t>(i) * p + i) * stride];  // the real part: X^H X has a real diagonal
+    sd[i] = std::sqrt(var[i]);
+  }
+  for (int i = 0; i < p; ++i)
+    for (int j = 0; j < p; ++j) {
+      double* e = c + (static_cast<std::size_t>(i) * p + j) * stride;
+      if (i == j) {
+        e[0] = var[i] / var[i];
+        if (cplx) e[1] = 0.0;
+        continue;
+      }
+      const double s = sd[i] * sd[j];
+      e[0] /= s;
+      if (cplx) e[1] /= s;
+    }
+}
+
+}  // namespace
+
+void Covariance(const TVec& X, double& Cov, bool Biased) {
+  Cov = 0.0;
+  core::Guarded("Covariance : ", [&] {
+    const TCplx m = X.Meanc();
+    PooledMtx c;
+    covarianceOf(X.data(), X.Length(), 1, X.Complex(), reinterpret_cast<const double*>(&m), Biased, *c);
+    Cov = c->data()[0];  // complex data: the real sum of squared magnitudes
+  });
+}
+
+void Covariance(const TMtx& X, TMtx& Dst, bool Biased) {
+  core::Guarded("Covariance : ", [&] {
+    PooledVec mean;
+    X.MeanCols(*mean);
+    covarianceOf(X.data(), X.Rows(), X.Cols(), X.Complex(), mean->data(), Biased, Dst);
+  });
+}
+
+void Covariance(const TVec& X, const TVec& Y, TMtx& Dst, bool Biased) {
+  if (X.Complex() != Y.Complex()) ERaise("Covariance: X.Complex <> Y.Complex");
+  if (X.Length() != Y.Length()) ERaise("Covariance: X.Length <> Y.Length");
+  core::Guarded("Covariance : ", [&] {
+    PooledMtx pair;
+    pair->Size(X.Length(), 2, X.Complex());
+    pair->SetCol(X, 0);
+    pair->SetCol(Y, 1);
+    Covariance(*pair, Dst, Biased);
+  });
+}
+
+void Covariance(const TMtx& X, const TMtx& Y, TMtx& Dst, bool Biased) {
+  if (X.Complex() != Y.Complex()) ERaise("Covariance: X.Complex <> Y.Complex");
+  if (X.Length() != Y.Length()) ERaise("Covariance: X(Rows*Cols) <> X(Rows*Cols)");
+  core::Guarded("Covariance : ", [&] {
+    // each matrix read column by column: the storage of its transpose
+    PooledMtx xt, yt;
+    PooledVec x, y;
+    xt->Transp(X);
+    yt->Transp(Y);
+    x->Copy(*xt);
+    y->Copy(*yt);
+    Covariance(*x, *y, Dst, Biased);
+  });
+}
+
+void CorrCoef(const TVec& X, const TVec& Y, TMtx& Dst) {
+  core::Guarded("CorrCoef : ", [&] {
+    Covariance(X, Y, Dst, false);
+    scaleToCorrelation(Dst);
+  });
+}
+
+void CorrCoef(const TMtx& X, TMtx& Dst) {
+  core::Guarded("CorrCoef : ", [&] {
+    Covariance(X, Dst, false);
+    scaleToCorrelation(Dst);
+  });
+}
+
+void CorrCoef(const TMtx& X, const TMtx& Y, TMtx& Dst) {
+  core::Guarded("CorrCoef : ", [&] {
+    Covariance(X, Y, Dst, false);
+    scaleToCorrelation(Dst);
+  });
+}
+
+void AutoCov(const TVec& Src, TVec& Dst, int Lags) {
+  const int n = Src.Length();
+  if (n == 0) {
+    Dst.Size(0);
+    return;
+  }
+  if (Lags < 0) Lags = Ceil(10.0 * Log10(n));
+  PooledVec centred;
+  centred->Copy(Src);
+  // the mean twice: the second pass removes what the rounding of the first left behind
+  centred->Offset(-centred->Mean());
+  centred->Offset(-centred->Mean());
+  Dst.AutoCorrBiased(*centred, Lags);
+}
+
+void ACF(const TVec& Src, TVec& Dst, int Lags) {
+  AutoCov(Src, Dst, Lags);
+  if (Dst.Length() == 0) return;
+  const double c0 = Dst[0];
+  for (double& v : Dst) v /= c0;  // division keeps element 0 exactly 1
+}
+
+void PACF(const TVec& Src, TVec& Phi, TVec& Dst, TVec& ErrVar) {
+  if (Src.Length() < 2) ERaise("PACF: Src.Length < 2");
+  if (Src.Complex()) ERaise(msg::ComplexNotSupported);
+  const std::vector<double> r(Src.begin(), Src.end());  // read before any output is sized
+  const int m = static_cast<int>(r.size()) - 1;
+  std::vector<double> phi(m, 0.0), prev(m), pac(m), err(m, 0.0);
+  err[0] = r[0];
+  for (int k = 0; k < m; ++k) {
+    double s = 0.0;
+    for (int j = 0; j < k; ++j) s += phi[j] * r[k - j];
+    phi[k] = (r[k + 1] - s) / err[k];
+    pac[k] = phi[k];
+    // the order-(k+1) coefficients from the order-k ones, all read before any is replaced
+    std::copy(phi.begin(), phi.begin() + k, prev.begin());
+    for (int j = 0; j < k; ++j) phi[j] = prev[j] - phi[k] * prev[k - 1 - j];
+    if (k < m - 1) err[k + 1] = err[k] * (1.0 - phi[k] * phi[k]);
+  }
+  Phi.Size(m);
+  Dst.Size(m);
+  ErrVar.Size(m);
+  std::copy(phi.begin(), phi.end(), Phi.data());
+  std::copy(pac.begin(), pac.end(), Dst.data());
+  std::copy(err.begin(), err.end(), ErrVar.data());
+}
+
+void PACF(const TVec& Src, TVec& Dst) {
+  if (Src.Length() < 2) {
+    Dst.Size(0);
+    return;
+  }
+  PooledVec phi, errVar;
+  PACF(Src, *phi, Dst, *errVar);
+}
+
+}  // namespace statkit::Statistics

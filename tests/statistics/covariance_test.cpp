@@ -1,0 +1,243 @@
+// Covariance and correlation against numpy.cov / numpy.corrcoef (real and
+// complex, both divisors, offset data), autocorrelation and partial
+// autocorrelation against statsmodels, and the nesting of error prefixes.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+
+#include "statkit/Statistics.h"
+#include "support/expect.h"
+#include "support/fixture.h"
+
+namespace statkit::Statistics {
+namespace {
+
+using test::kEps;
+
+// The references sum in another order: both sides carry rounding errors of a few dozen
+// ulps of the scale, which for a cross product is sqrt(C(i, i) C(j, j)) (Cauchy-Schwarz).
+constexpr double kTol = 1e-13;
+
+TMtx complexOrReal(const test::Record& r, const std::string& key) {
+  TMtx re = r.Mtx(key + "re");
+  if (!r.Has(key + "im")) return re;
+  TMtx im = r.Mtx(key + "im");
+  TMtx z(re.Rows(), re.Cols(), true);
+  for (int i = 0; i < re.Length(); ++i) z.CValues(i) = {re.data()[i], im.data()[i]};
+  return z;
+}
+
+TVec column(const TMtx& m) {
+  TVec v;
+  v.Copy(m);
+  return v;
+}
+
+TCplx at(const TMtx& m, int i) { return m.Complex() ? m.CValues(i) : TCplx(m.data()[i], 0.0); }
+
+// Every element within kTol of the scale sqrt(|E(i, i) E(j, j)|) (1 for a correlation).
+void expectMatrixNear(const TMtx& actual, const TMtx& expected, bool correlation) {
+  ASSERT_EQ(actual.Rows(), expected.Rows());
+  ASSERT_EQ(actual.Cols(), expected.Cols());
+  ASSERT_EQ(actual.Complex(), expected.Complex());
+  const int p = expected.Rows();
+  for (int i = 0; i < p; ++i)
+    for (int j = 0; j < p; ++j) {
+      const double scale =
+          correlation ? 1.0 : std::sqrt(std::abs(at(expected, i * p + i)) * std::abs(at(expected, j * p + j)));
+      EXPECT_LE(std::abs(at(actual, i * p + j) - at(expected, i * p + j)), kTol * scale) << "(" << i << ", " << j << ")";
+    }
+}
+
+TEST(Covariance, MatchesNumpyCovAndCorrcoef) {
+  for (const auto& r : test::LoadFixture("covariance.txt")) {
+    test::PoolBalance pool;
+    const std::string kind = r.Str("kind");
+    const bool biased = r.Int("biased") != 0;
+    SCOPED_TRACE(kind + (biased ? " biased" : " unbiased"));
+    const TMtx x = complexOrReal(r, "x"), cov = complexOrReal(r, "cov");
+    TMtx c, rho;
+    if (kind == "vec") {
+      double v = -1;
+      Covariance(column(x), v, biased);
+      EXPECT_REL(v, cov.data()[0], kTol);
+      continue;
+    }
+    if (kind == "pair") {
+      const TVec a = column(x), b = column(complexOrReal(r, "y"));
+      Covariance(a, b, c, biased);
+      CorrCoef(a, b, rho);
+    } else if (kind == "mtx") {
+      Covariance(x, c, biased);
+      CorrCoef(x, rho);
+    } else {
+      const TMtx y = complexOrReal(r, "y");
+      Covariance(x, y, c, biased);
+      CorrCoef(x, y, rho);
+    }
+    expectMatrixNear(c, cov, false);
+    expectMatrixNear(rho, complexOrReal(r, "corr"), true);
+  }
+}
+
+TEST(Covariance, SmallExactCases) {
+  double v;
+  Covariance(TVec{1, 2, 3, 4}, v, false);
+  EXPECT_REL(v, 5.0 / 3.0, kEps);
+  Covariance(TVec{1, 2, 3, 4}, v, true);
+  EXPECT_EQ(v, 1.25);
+  struct Case {
+    const char* what;
+    TVec x, y;
+    double offDiagonal;
+  } cases[] = {
+      {"proportional", {1, 2, 3}, {2, 4, 6}, 1.0},
+      {"reversed", {1, 2, 3}, {3, 2, 1}, -1.0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    TMtx rho;
+    CorrCoef(c.x, c.y, rho);
+    EXPECT_EQ(rho(0, 0), 1.0);
+    EXPECT_EQ(rho(1, 1), 1.0);
+    EXPECT_REL(rho(0, 1), c.offDiagonal, 2 * kEps);
+    EXPECT_REL(rho(1, 0), c.offDiagonal, 2 * kEps);
+  }
+}
+
+TEST(CorrCoef, ConstantColumnGivesNaNItsRowAndColumn) {
+  TMtx rho;
+  CorrCoef(TMtx{{1, 5, 2}, {2, 5, 4}, {4, 5, 5}}, rho);
+  for (int k = 0; k < 3; ++k) {
+    EXPECT_TRUE(std::isnan(rho(1, k)));
+    EXPECT_TRUE(std::isnan(rho(k, 1)));
+  }
+  EXPECT_EQ(rho(0, 0), 1.0);
+  EXPECT_GT(rho(0, 2), 0.9);
+}
+
+TEST(Covariance, OutputMayBeTheInputAndInputsStay) {
+  const TMtx original{{1, 2}, {3, 5}, {4, 4}, {8, 1}};
+  TMtx m = original, expected, c;
+  Covariance(original, expected, false);
+  Covariance(m, m, false);
+  expectMatrixNear(m, expected, false);
+  m = original;
+  CorrCoef(original, expected);
+  CorrCoef(m, m);
+  expectMatrixNear(m, expected, true);
+  // two-matrix form with Dst being the first input
+  m = original;
+  TMtx y = original;
+  Covariance(original, y, expected, true);
+  Covariance(m, y, m, true);
+  expectMatrixNear(m, expected, false);
+  for (int i = 0; i < y.Length(); ++i) EXPECT_EQ(y.data()[i], original.data()[i]);
+}
+
+TEST(AutoCorrelation, MatchesStatsmodels) {
+  for (const auto& r : test::LoadFixture("autocorrelation.txt")) {
+    test::PoolBalance pool;
+    const TVec x = r.Vec("x");
+    const int lags = r.Int("lags");
+    TVec acov, acf, pacf, phi, dst, errVar;
+    AutoCov(x, acov, lags);
+    ACF(x, acf, lags);
+    PACF(acf, pacf);
+    PACF(acov, phi, dst, errVar);
+    // the recursion divides by prediction-error variances that shrink with the order;
+    // a few hundred ulps of the unit-scale coefficients are lost on the way
+    const double recursionTol = 512 * kEps;
+    const struct {
+      const char* what;
+      const TVec& actual;
+      const char* key;
+      double tol;
+    } outputs[] = {{"AutoCov", acov, "acov", kTol}, {"ACF", acf, "acf", kTol},
+                   {"PACF", pacf, "pacf", recursionTol}, {"PACF phi", phi, "phi", recursionTol},
+                   {"PACF partial", dst, "pacf", recursionTol}, {"PACF error variance", errVar, "errvar", recursionTol}};
+    for (const auto& o : outputs) {
+      SCOPED_TRACE(o.what);
+      const auto expected = r.Nums(o.key);
+      ASSERT_EQ(o.actual.Length(), static_cast<int>(expected.size()));
+      // lags are compared on the scale of lag 0 (autocovariances) or 1 (correlations)
+      const double scale = std::string(o.key) == "acov" || std::string(o.key) == "errvar" ? expected[0] : 1.0;
+      for (int k = 0; k < o.actual.Length(); ++k)
+        EXPECT_LE(std::fabs(o.actual[k] - expected[k]), o.tol * scale) << "lag " << k;
+    }
+  }
+}
+
+TEST(AutoCorrelation, LagsAndShortSeries) {
+  TVec d{1, 2, 3};
+  AutoCov(TVec{}, d, 5);
+  EXPECT_EQ(d.Length(), 0);
+  TVec hundred;
+  hundred.Size(100);
+  hundred.Ramp(0, 1);
+  AutoCov(hundred, d, -1);
+  EXPECT_EQ(d.Length(), 21);  // ceil(10 log10 100) = 20 lags
+  ACF(TVec{1, 3, 2}, d, 5);
+  ASSERT_EQ(d.Length(), 6);
+  EXPECT_EQ(d[0], 1.0);
+  for (int k = 3; k < 6; ++k) EXPECT_EQ(d[k], 0.0);  // lags beyond the series
+  TVec series{4, 1, 3};
+  ACF(series, series, 2);  // in place
+  EXPECT_EQ(series[0], 1.0);
+  EXPECT_REL(series[1], -25.0 / 42.0, 4 * kEps);
+}
+
+TEST(PACF, DurbinLevinsonOnAnAR1Sequence) {
+  TVec phi, dst, errVar;
+  PACF(TVec{1, 0.5, 0.25}, phi, dst, errVar);
+  EXPECT_EQ(dst[0], 0.5);
+  EXPECT_EQ(dst[1], 0.0);
+  EXPECT_EQ(phi[0], 0.5);
+  EXPECT_EQ(phi[1], 0.0);
+  EXPECT_EQ(errVar[0], 1.0);
+  EXPECT_EQ(errVar[1], 0.75);
+  PACF(TVec{1, 0.5}, dst);
+  ASSERT_EQ(dst.Length(), 1);
+  EXPECT_EQ(dst[0], 0.5);
+  PACF(TVec{1}, dst);
+  EXPECT_EQ(dst.Length(), 0);
+  TVec r{1, 0.5, 0.25};
+  PACF(r, r, dst, errVar);  // the coefficients overwrite the sequence they come from
+  EXPECT_EQ(r[0], 0.5);
+  EXPECT_EQ(r.Length(), 2);
+}
+
+TEST(Covariance, BadInputAndPrefixNesting) {
+  test::PoolBalance pool;
+  TMtx dst;
+  TVec phi, pacf, errVar;
+  double v;
+  TVec cplx;
+  cplx.Size(3, true);
+  TMtx cplxMtx(2, 3, true);
+  const TVec three{1, 2, 3}, four{1, 2, 3, 4};
+  const TMtx m32(3, 2), m23(2, 3), m22(2, 2), noRows(0, 2);
+  struct Case {
+    const char* message;
+    std::function<void()> call;
+  } cases[] = {
+      {"Covariance: X.Length <> Y.Length", [&] { Covariance(three, four, dst, false); }},
+      {"Covariance: X.Complex <> Y.Complex", [&] { Covariance(three, cplx, dst, false); }},
+      {"Covariance: X(Rows*Cols) <> X(Rows*Cols)", [&] { Covariance(m32, m22, dst, false); }},
+      {"Covariance: X.Complex <> Y.Complex", [&] { Covariance(m23, cplxMtx, dst, true); }},
+      {"CorrCoef : Covariance: X.Length <> Y.Length", [&] { CorrCoef(three, four, dst); }},
+      {"CorrCoef : Covariance: X(Rows*Cols) <> X(Rows*Cols)", [&] { CorrCoef(m22, m32, dst); }},
+      {"Covariance : Empty vector", [&] { Covariance(TVec{}, v, false); }},
+      {"Covariance : Empty vector", [&] { Covariance(noRows, dst, false); }},
+      // each block on the way adds its prefix: CorrCoef, the two-vector and the matrix form
+      {"CorrCoef : Covariance : Covariance : Empty vector", [&] { CorrCoef(TVec{}, TVec{}, dst); }},
+      {"PACF: Src.Length < 2", [&] { PACF(TVec{1}, phi, pacf, errVar); }},
+      {"PACF: Src.Length < 2", [&] { PACF(TVec{}, phi, pacf, errVar); }},
+  };
+  for (const auto& c : cases) EXPECT_RAISES(c.call(), c.message);
+}
+
+}  // namespace
+}  // namespace statkit::Statistics
