@@ -71,10 +71,10 @@ def spearman(out, x, y, alpha=0.05):
         t = mp.inf * mp.sign(rsm) if abs(rs) == 1 else rsm * mp.sqrt((n - 2) / ((1 - rsm) * (1 + rsm)))
         lower, upper = student_tails(t, n - 2)
         p = [2 * min(lower, upper), upper, lower]
+        # IEEE at the degenerate sizes: n = 3 divides by sqrt(0), Rs = +-1 makes z infinite
         h = -mp.sqrt(2) * mp.erfinv(2 * mp.mpf(alpha) - 1) / mp.sqrt(n - 3) if n > 3 else mp.inf
-        z = mp.atanh(rsm) if abs(rs) != 1 else mp.inf * mp.sign(rsm)
-        ci = [mp.tanh(z - h) if n > 3 else -1, mp.tanh(z + h) if n > 3 else 1]
-        if abs(rs) == 1: ci = [rsm, rsm]
+        z = mp.atanh(rsm)
+        ci = [mp.tanh(z - h), mp.tanh(z + h)]
         if len(set(x)) == n and len(set(y)) == n:   # untied: scipy agrees
             for alt, ref in zip(["two-sided", "greater", "less"], p):
                 r = stats.spearmanr(x, y, alternative=alt)

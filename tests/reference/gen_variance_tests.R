@@ -2,10 +2,11 @@
 # Reference values for ChiSquareTest, FTest and BarlettTest: writes variance_tests.txt.
 # Run from this folder: Rscript gen_variance_tests.R
 # Three values per output, for htTwoTailed, htRightTailed and htLeftTailed.
-# - FTest significances come from var.test(Data2, Data1). Its interval puts the
-#   degrees of freedom in the other order, and statkit's one-sided intervals
-#   are upper bounds for right-tailed tests, so the limits are statkit's
-#   definition written out with R's quantiles.
+# - FTest significances are those of var.test(Data2, Data1), checked here,
+#   but taken from pf's own tails: var.test forms the upper tail as 1 - pf.
+#   Its interval puts the degrees of freedom in the other order, and
+#   statkit's one-sided intervals are upper bounds for right-tailed tests, so
+#   the limits are statkit's definition written out with R's quantiles.
 # - ChiSquareTest and BarlettTest (with Bartlett's 1950 multiplier, on R's
 #   symmetric eigenvalues) are written out here as statkit defines them.
 # The quantiles get two Newton steps on the matching tail: R's quantile
@@ -44,7 +45,12 @@ for (n1 in c(2, 6, 30, 500)) for (n2 in c(3, 11, 200)) {
   x <- draw(n1, n1); y <- draw(n2, n2 + 1) * c(1, 0.2, 3)[n2 %% 3 + 1]; alpha <- 0.05
   F <- var(y) / var(x); d1 <- n2 - 1; d2 <- n1 - 1
   cat("kind F\n", file = out); put("alpha", alpha); put("x", x); put("y", y)
-  put("p", sapply(c("two.sided", "greater", "less"), function(a) var.test(y, x, alternative = a)$p.value))
+  # var.test forms the upper tail as 1 - pf; the tail itself keeps its digits where it is tiny
+  lower <- pf(F, d1, d2); upper <- pf(F, d1, d2, lower.tail = FALSE)
+  p <- c(2 * min(lower, upper), upper, lower)
+  ref <- sapply(c("two.sided", "greater", "less"), function(a) var.test(y, x, alternative = a)$p.value)
+  stopifnot(abs(p - ref) <= 1e-15 + 1e-12 * p)
+  put("p", p)
   interval(function(p) F * qF(p, d1, d2), alpha)
   cat("---\n", file = out)
 }

@@ -41,10 +41,12 @@ TEST(VarianceTests, BartlettMatchesStatisticOnSymmetricEigenvalues) {
     EXPECT_EQ(numComp, r.Int("numcomp"));
     ASSERT_EQ(signif.Length(), static_cast<int>(expected.size()));
     // The eigenvalues come from an SVD here and from a symmetric QR iteration
-    // in R: they agree to about n eps relative to the largest, and the
-    // smallest ones enter through logarithms into chi-square tails of up to
-    // 1e-30, where the relative error grows with the statistic (up to ~100).
-    for (int k = 0; k < signif.Length(); ++k) EXPECT_REL(signif[k], expected[k], 1e5 * kEps) << "k = " << k;
+    // in R; the smallest agree to about lambda_max / lambda_min eps relative
+    // (a few hundred eps on these matrices). The statistic q ln A - G is small
+    // against its terms when the remaining eigenvalues are nearly equal, which
+    // magnifies that error up to a hundredfold before the chi-square tail does.
+    for (int k = 0; k < signif.Length(); ++k)
+      EXPECT_REL(signif[k], expected[k], TailTol(1e4 * kEps, expected[k])) << "k = " << k;
   }
 }
 
