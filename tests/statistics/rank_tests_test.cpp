@@ -2,9 +2,6 @@
 // normal approximation with the tie correction from 15 on) and against a
 // brute-force enumeration of the sign patterns where ranks are tied;
 // SpearmanRankCorr against exact rational ranks, mpmath and scipy.
-#include <algorithm>
-#include <thread>
-
 #include "support/hypothesis.h"
 
 namespace statkit::test {
@@ -58,31 +55,6 @@ TEST(SpearmanRankCorr, MatchesExactRanksAndScipy) {
       EXPECT_REL(rs, r.Num("rs"), 4 * kEps);
     });
   }
-}
-
-TEST(RankTests, ConcurrentCallsAgreeWithSerialOnes) {
-  // The tests keep no state between calls: threads running them at once get the serial answers.
-  const auto records = LoadFixture("wilcoxon.txt");
-  auto run = [&](std::vector<double>& out) {
-    for (const auto& r : records) {
-      THypothesisResult res;
-      double p, q, ci[2], rs;
-      const TVec x = r.Vec("x");
-      TVec magnitude;
-      magnitude.Abs(x);
-      WilcoxonSign(x, r.Num("median"), res, p, ci, htTwoTailed, 0.05);
-      SpearmanRankCorr(x, magnitude, rs, res, q, ci, htLeftTailed, 0.05);
-      out.insert(out.end(), {p, q, rs});
-    }
-  };
-  std::vector<double> serial, a, b;
-  run(serial);
-  std::thread ta(run, std::ref(a)), tb(run, std::ref(b));
-  ta.join();
-  tb.join();
-  auto same = [](double u, double v) { return u == v || (std::isnan(u) && std::isnan(v)); };
-  EXPECT_TRUE(std::equal(a.begin(), a.end(), serial.begin(), serial.end(), same));
-  EXPECT_TRUE(std::equal(b.begin(), b.end(), serial.begin(), serial.end(), same));
 }
 
 }  // namespace
