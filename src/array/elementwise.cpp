@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "array/order_statistics.h"
 #include "statkit/array/Kalpa.h"
 #include "statkit/array/Math.h"
 
@@ -476,22 +477,17 @@ TCplx TDenseKalpa::Meanc() const {
 double TDenseKalpa::Max() const {
   requireReal(*this);
   requireNonEmpty(*this);
-  // NaN propagates: a NaN anywhere makes the result NaN.
-  const double* x = data();
-  double m = x[0];
-  for (int i = 1; i < Length(); ++i)
-    if (x[i] > m || std::isnan(x[i])) m = std::isnan(m) ? m : x[i];
-  return m;
+  double lo, hi;
+  detail::MinMax(data(), Length(), lo, hi);  // NaN when a NaN is present
+  return hi;
 }
 
 double TDenseKalpa::Min() const {
   requireReal(*this);
   requireNonEmpty(*this);
-  const double* x = data();
-  double m = x[0];
-  for (int i = 1; i < Length(); ++i)
-    if (x[i] < m || std::isnan(x[i])) m = std::isnan(m) ? m : x[i];
-  return m;
+  double lo, hi;
+  detail::MinMax(data(), Length(), lo, hi);
+  return lo;
 }
 
 TCplx TDenseKalpa::Maxc() const {

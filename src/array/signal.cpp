@@ -4,6 +4,7 @@
 // the few dozen lags that statistics asks for beats an FFT of the padded series.
 
 #include <algorithm>
+#include <limits>
 
 #include "statkit/array/Kalpa.h"
 
@@ -32,16 +33,19 @@ void TVec::CrossCorr(const TVec& Vec1, const TVec& Vec2, int Lags, int Offset) {
   if (Vec1.Complex() || Vec2.Complex()) ERaise(msg::ComplexNotSupported);
   if (Lags < 0 || Offset < 0) ERaise(msg::IndexOutOfRange);
   if (Vec1.Length() == 0) ERaise(msg::EmptyVector);
+  if (Lags == std::numeric_limits<int>::max()) ERaise(msg::IntegerOverflow);
   const int n = Vec1.Length();
-  std::vector<double> r(static_cast<std::size_t>(Lags) + 1, 0.0);
+  // Lags at or beyond the series are zero: only the first n are computed.
+  TVec r;
+  r.Size(Lags + 1);
+  r.SetZero();
   for (int k = 0; k <= Lags; ++k) {
     long shift = static_cast<long>(k) + Offset;
     if (shift >= Vec2.Length()) break;
     int len = static_cast<int>(std::min<long>(n, Vec2.Length() - shift));
-    r[k] = laggedDot(Vec1.data(), Vec2.data() + shift, len) / n;
+    r.data()[k] = laggedDot(Vec1.data(), Vec2.data() + shift, len) / n;
   }
-  Size(Lags + 1);
-  std::copy(r.begin(), r.end(), data());
+  Copy(r);
 }
 
 }  // namespace statkit

@@ -14,6 +14,7 @@
 #include <numeric>
 #include <vector>
 
+#include "array/order_statistics.h"
 #include "statkit/array/Kalpa.h"
 
 namespace statkit {
@@ -24,19 +25,6 @@ constexpr int kRadixThreshold = 2048;  // below it std::sort wins
 constexpr int kDigitBits = 11;
 constexpr int kBuckets = 1 << kDigitBits;
 constexpr int kDigits = (64 + kDigitBits - 1) / kDigitBits;
-
-std::uint64_t orderedKey(double v) {
-  std::uint64_t b;
-  std::memcpy(&b, &v, sizeof b);
-  return (b & 0x8000000000000000ull) ? ~b : (b | 0x8000000000000000ull);
-}
-
-double fromKey(std::uint64_t k) {
-  std::uint64_t b = (k & 0x8000000000000000ull) ? (k & ~0x8000000000000000ull) : ~k;
-  double v;
-  std::memcpy(&v, &b, sizeof v);
-  return v;
-}
 
 /// Stable LSD radix sort of keys, carrying idx along when it is not empty.
 void radixSort(std::vector<std::uint64_t>& keys, std::vector<std::int32_t>& idx) {
@@ -76,10 +64,10 @@ void sortValues(double* x, int n) {
     return;
   }
   std::vector<std::uint64_t> keys(n);
-  for (int i = 0; i < n; ++i) keys[i] = orderedKey(x[i]);
+  for (int i = 0; i < n; ++i) keys[i] = detail::OrderKey(x[i]);
   std::vector<std::int32_t> none;
   radixSort(keys, none);
-  for (int i = 0; i < n; ++i) x[i] = fromKey(keys[i]);
+  for (int i = 0; i < n; ++i) x[i] = detail::FromOrderKey(keys[i]);
 }
 
 /// Sorts x[0..n) ascending and reorders pos alongside (no NaNs present; stable).
@@ -93,9 +81,9 @@ void sortValuesWithPositions(double* x, std::int32_t* pos, int n) {
   }
   std::vector<std::uint64_t> keys(n);
   std::vector<std::int32_t> idx(pos, pos + n);
-  for (int i = 0; i < n; ++i) keys[i] = orderedKey(x[i]);
+  for (int i = 0; i < n; ++i) keys[i] = detail::OrderKey(x[i]);
   radixSort(keys, idx);
-  for (int i = 0; i < n; ++i) x[i] = fromKey(keys[i]), pos[i] = idx[i];
+  for (int i = 0; i < n; ++i) x[i] = detail::FromOrderKey(keys[i]), pos[i] = idx[i];
 }
 
 }  // namespace

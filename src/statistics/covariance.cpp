@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <limits>
 #include <vector>
 
 #include "core/frame.h"
@@ -56,18 +57,16 @@ void centredCrossProducts(const T* x, int rows, int cols, const T* mean, T* C) {
     }
 }
 
-// The covariance matrix of the columns of rows x cols data with the given column means.
-void covarianceOf(const double* x, int rows, int cols, bool complex, const double* mean, bool Biased,
-                  TMtx& Dst) {
+// D^H D of rows x cols data (complex when `complex`) with the given column means, as
+// doubles in storage order: the covariance matrix before the division.
+std::vector<double> centredGram(const double* x, int rows, int cols, bool complex, const double* mean) {
   std::vector<double> C(static_cast<std::size_t>(cols) * cols * (complex ? 2 : 1));
   if (complex)
     centredCrossProducts(reinterpret_cast<const TCplx*>(x), rows, cols, reinterpret_cast<const TCplx*>(mean),
                          reinterpret_cast<TCplx*>(C.data()));
   else
     centredCrossProducts(x, rows, cols, mean, C.data());
-  const double d = divisor(rows, Biased);
-  Dst.Size(cols, cols, complex);  // after every read of the data: Dst may be the input
-  for (std::size_t i = 0; i < C.size(); ++i) Dst.data()[i] = C[i] / d;
+  return C;
 }
 
 // C(i, j) / sqrt(C(i, i) C(j, j)) with an exact unit diagonal (NaN where a variance is 0).
@@ -102,10 +101,10 @@ void scaleToCorrelation(TMtx& C) {
 void Covariance(const TVec& X, double& Cov, bool Biased) {
   Cov = 0.0;
   core::Guarded("Covariance : ", [&] {
-    const TCplx m = X.Meanc();
-    PooledMtx c;
-    covarianceOf(X.data(), X.Length(), 1, X.Complex(), reinterpret_cast<const double*>(&m), Biased, *c);
-    Cov = c->data()[0];  // complex data: the real sum of squared magnitudes
+    const TCplx m = X.Meanc();  // (mean, 0) for real data
+    // complex data: the real sum of squared magnitudes
+    Cov = centredGram(X.data(), X.Length(), 1, X.Complex(), reinterpret_cast<const double*>(&m))[0] /
+          divisor(X.Length(), Biased);
   });
 }
 
@@ -113,7 +112,10 @@ void Covariance(const TMtx& X, TMtx& Dst, bool Biased) {
   core::Guarded("Covariance : ", [&] {
     PooledVec mean;
     X.MeanCols(*mean);
-    covarianceOf(X.data(), X.Rows(), X.Cols(), X.Complex(), mean->data(), Biased, Dst);
+    const std::vector<double> C = centredGram(X.data(), X.Rows(), X.Cols(), X.Complex(), mean->data());
+    const double d = divisor(X.Rows(), Biased);
+    Dst.Size(X.Cols(), X.Cols(), X.Complex());  // after every read of X: Dst may be X
+    for (std::size_t i = 0; i < C.size(); ++i) Dst.data()[i] = C[i] / d;
   });
 }
 
@@ -172,12 +174,15 @@ void AutoCov(const TVec& Src, TVec& Dst, int Lags) {
     return;
   }
   if (Lags < 0) Lags = Ceil(10.0 * Log10(n));
+  if (Lags == std::numeric_limits<int>::max()) ERaise(msg::IntegerOverflow);  // Lags + 1 elements
   PooledVec centred;
   centred->Copy(Src);
   // the mean twice: the second pass removes what the rounding of the first left behind
   centred->Offset(-centred->Mean());
   centred->Offset(-centred->Mean());
-  Dst.AutoCorrBiased(*centred, Lags);
+  // lags from n on have no pairs: they are the zeros that the resize appends
+  Dst.AutoCorrBiased(*centred, std::min(Lags, n - 1));
+  Dst.Resize(Lags + 1);
 }
 
 void ACF(const TVec& Src, TVec& Dst, int Lags) {

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <functional>
+#include <limits>
 
 #include "statkit/Statistics.h"
 #include "support/expect.h"
@@ -82,31 +83,6 @@ TEST(Covariance, MatchesNumpyCovAndCorrcoef) {
   }
 }
 
-TEST(Covariance, SmallExactCases) {
-  double v;
-  Covariance(TVec{1, 2, 3, 4}, v, false);
-  EXPECT_REL(v, 5.0 / 3.0, kEps);
-  Covariance(TVec{1, 2, 3, 4}, v, true);
-  EXPECT_EQ(v, 1.25);
-  struct Case {
-    const char* what;
-    TVec x, y;
-    double offDiagonal;
-  } cases[] = {
-      {"proportional", {1, 2, 3}, {2, 4, 6}, 1.0},
-      {"reversed", {1, 2, 3}, {3, 2, 1}, -1.0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    TMtx rho;
-    CorrCoef(c.x, c.y, rho);
-    EXPECT_EQ(rho(0, 0), 1.0);
-    EXPECT_EQ(rho(1, 1), 1.0);
-    EXPECT_REL(rho(0, 1), c.offDiagonal, 2 * kEps);
-    EXPECT_REL(rho(1, 0), c.offDiagonal, 2 * kEps);
-  }
-}
-
 TEST(CorrCoef, ConstantColumnGivesNaNItsRowAndColumn) {
   TMtx rho;
   CorrCoef(TMtx{{1, 5, 2}, {2, 5, 4}, {4, 5, 5}}, rho);
@@ -147,9 +123,10 @@ TEST(AutoCorrelation, MatchesStatsmodels) {
     ACF(x, acf, lags);
     PACF(acf, pacf);
     PACF(acov, phi, dst, errVar);
-    // the recursion divides by prediction-error variances that shrink with the order;
-    // a few hundred ulps of the unit-scale coefficients are lost on the way
-    const double recursionTol = 512 * kEps;
+    // the recursion divides by prediction-error variances that shrink with the order and
+    // sums in another order than statsmodels: about ten ulps of the unit-scale
+    // coefficients differ here, so 64 ulps
+    const double recursionTol = 64 * kEps;
     const struct {
       const char* what;
       const TVec& actual;
@@ -189,24 +166,14 @@ TEST(AutoCorrelation, LagsAndShortSeries) {
   EXPECT_REL(series[1], -25.0 / 42.0, 4 * kEps);
 }
 
-TEST(PACF, DurbinLevinsonOnAnAR1Sequence) {
-  TVec phi, dst, errVar;
-  PACF(TVec{1, 0.5, 0.25}, phi, dst, errVar);
-  EXPECT_EQ(dst[0], 0.5);
-  EXPECT_EQ(dst[1], 0.0);
-  EXPECT_EQ(phi[0], 0.5);
-  EXPECT_EQ(phi[1], 0.0);
-  EXPECT_EQ(errVar[0], 1.0);
-  EXPECT_EQ(errVar[1], 0.75);
-  PACF(TVec{1, 0.5}, dst);
-  ASSERT_EQ(dst.Length(), 1);
-  EXPECT_EQ(dst[0], 0.5);
+TEST(PACF, AR1SequenceShortInputAndAliasing) {
+  TVec r{1, 0.5, 0.25}, dst, errVar;
+  PACF(r, r, dst, errVar);  // the coefficients overwrite the sequence they come from
+  EXPECT_EQ(std::vector<double>(r.begin(), r.end()), (std::vector<double>{0.5, 0.0}));
+  EXPECT_EQ(std::vector<double>(dst.begin(), dst.end()), (std::vector<double>{0.5, 0.0}));
+  EXPECT_EQ(std::vector<double>(errVar.begin(), errVar.end()), (std::vector<double>{1.0, 0.75}));
   PACF(TVec{1}, dst);
   EXPECT_EQ(dst.Length(), 0);
-  TVec r{1, 0.5, 0.25};
-  PACF(r, r, dst, errVar);  // the coefficients overwrite the sequence they come from
-  EXPECT_EQ(r[0], 0.5);
-  EXPECT_EQ(r.Length(), 2);
 }
 
 TEST(Covariance, BadInputAndPrefixNesting) {
@@ -233,6 +200,7 @@ TEST(Covariance, BadInputAndPrefixNesting) {
       {"Covariance : Empty vector", [&] { Covariance(noRows, dst, false); }},
       // each block on the way adds its prefix: CorrCoef, the two-vector and the matrix form
       {"CorrCoef : Covariance : Covariance : Empty vector", [&] { CorrCoef(TVec{}, TVec{}, dst); }},
+      {"Integer overflow", [&] { ACF(three, pacf, std::numeric_limits<int>::max()); }},
       {"PACF: Src.Length < 2", [&] { PACF(TVec{1}, phi, pacf, errVar); }},
       {"PACF: Src.Length < 2", [&] { PACF(TVec{}, phi, pacf, errVar); }},
   };

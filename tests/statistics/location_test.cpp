@@ -1,0 +1,131 @@
+// Means, moments, ranges, row and column standard deviations and z-scores:
+// closed-form cases that pin each definition (trimming bounds, the moment's
+// given mean, complex ranges), degenerate input, aliasing and the messages.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+
+#include "statkit/Statistics.h"
+#include "support/expect.h"
+
+namespace statkit::Statistics {
+namespace {
+
+using test::kEps;
+
+TEST(Location, ClosedFormCases) {
+  struct Case {
+    const char* what;
+    std::function<double()> value;
+    double expected;
+    double tol;
+  } cases[] = {
+      {"geometric mean", [] { return MeanG(TVec{1, 4, 16}); }, 4.0, 4 * kEps},
+      {"harmonic mean", [] { return MeanH(TVec{1, 2, 4}); }, 12.0 / 7.0, 4 * kEps},
+      {"geometric mean of nothing", [] { return MeanG(TVec{}); }, NAN, 0},
+      {"harmonic mean of nothing", [] { return MeanH(TVec{}); }, NAN, 0},
+      {"geometric mean of a negative value", [] { return MeanG(TVec{-1, 4}); }, NAN, 0},
+      {"trimmed mean with nothing trimmed is the mean", [] { return MeanT(TVec{1, 2, 3, 10}, 0); }, 4.0, 0},
+      // lo = 1.2 and hi = 80.8 by the n+1 rule: 2, 3 and 4 stay, 1 and 100 go
+      {"trimmed mean bounds from the n+1 percentiles", [] { return MeanT(TVec{100, 1, 3, 2, 4}, 0.4); }, 3.0, 0},
+      {"trimmed mean keeps elements equal to a bound", [] { return MeanT(TVec{1, 1, 1, 5}, 0.5); }, 1.0, 0},
+      {"trimmed mean just below 1", [] { return MeanT(TVec{3, 1, 2}, 0.99); }, 2.0, 0},
+      {"trimmed mean keeps NaNs", [] { return MeanT(TVec{1, NAN, 2}, 0); }, NAN, 0},
+      {"second moment about a given mean", [] { return Moment(TVec{1, 2, 3}, 2, 2); }, 2.0 / 3.0, kEps},
+      {"third moment about another mean", [] { return Moment(TVec{1, 2, 3}, 0, 3); }, 12.0, 0},
+      {"moment of order 1", [] { return Moment(TVec{1, 2, 3}, 0, 1); }, 0.0, 0},
+      {"moment of order 0 of nothing", [] { return Moment(TVec{}, 5, 0); }, 0.0, 0},
+      {"second moment of nothing", [] { return Moment(TVec{}, 5, 2); }, NAN, 0},
+      {"range of one element", [] { return Range(TVec{-3}); }, 0.0, 0},
+      {"range with an infinity", [] { return Range(TVec{-INF, 2}); }, INF, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_REL(c.value(), c.expected, c.tol);
+  }
+}
+
+TEST(Location, RowsAndColumnsRealAndComplex) {
+  const TMtx m{{1, 7, 4}, {3, 5, 4}};
+  TVec d;
+  StdCols(m, d);
+  EXPECT_EQ(d.Length(), 3);
+  EXPECT_REL(d[0], std::sqrt(2.0), kEps);
+  EXPECT_EQ(d[2], 0.0);
+  StdRows(m, d);
+  EXPECT_REL(d[1], 1.0, kEps);
+  RangeCols(m, d);
+  EXPECT_EQ(d[1], 2.0);
+  RangeRows(m, d);
+  EXPECT_EQ(d[0], 6.0);
+  TMtx z(2, 2, true);
+  z.CValues(0, 0) = {1, 1};
+  z.CValues(1, 0) = {3, 3};
+  z.CValues(0, 1) = {0, -2};
+  z.CValues(1, 1) = {1, 0};
+  StdCols(z, d);
+  ASSERT_TRUE(d.Complex());
+  EXPECT_REL(d.CValues(0).real(), 2.0, kEps);  // |1+i - (2+2i)|^2 + |3+3i - (2+2i)|^2 = 4, divisor 1
+  EXPECT_EQ(d.CValues(0).imag(), 0.0);
+  RangeCols(z, d);
+  ASSERT_TRUE(d.Complex());
+  // largest minus smallest magnitude: (3+3i) - (1+i) and (0-2i) - (1+0i)
+  EXPECT_EQ(d.CValues(0), TCplx(2, 2));
+  EXPECT_EQ(d.CValues(1), TCplx(-1, -2));
+}
+
+TEST(ZScore, ColumnsGetMeanZeroAndUnitDeviationInPlaceToo) {
+  const TMtx data{{1, 10, 5}, {2, 30, 5}, {4, 20, 5}, {9, 60, 5}};
+  TMtx z, sameObject = data;
+  ZScore(data, z);
+  ZScore(sameObject, sameObject);
+  TVec sd;
+  StdCols(z, sd);
+  for (int c = 0; c < 2; ++c) {
+    double sum = 0;
+    for (int r = 0; r < 4; ++r) {
+      sum += z(r, c);
+      EXPECT_EQ(sameObject(r, c), z(r, c));
+    }
+    EXPECT_NEAR(sum, 0.0, 8 * kEps);
+    EXPECT_REL(sd[c], 1.0, 4 * kEps);
+  }
+  // a constant column divides 0 by a zero deviation
+  for (int r = 0; r < 4; ++r) EXPECT_TRUE(std::isnan(z(r, 2)));
+  TMtx cz(2, 1, true), out;
+  cz.CValues(0) = {1, 1};
+  cz.CValues(1) = {3, 3};
+  ZScore(cz, out);
+  EXPECT_EQ(out.CValues(1), TCplx(0.5, 0.5));
+}
+
+TEST(Location, BadInput) {
+  test::PoolBalance pool;
+  TVec cplx, d;
+  cplx.Size(3, true);
+  TMtx noRows(0, 2), noCols(2, 0), out;
+  struct Case {
+    const char* message;
+    std::function<void()> call;
+  } cases[] = {
+      {"MeanGData.Complex = true", [&] { MeanG(cplx); }},
+      {"MeanHData.Complex = true", [&] { MeanH(cplx); }},
+      {"MeanTData.Complex = true", [&] { MeanT(cplx, 0.1); }},
+      {"MeanT(Percent >= 100) or (Percent < 0)", [&] { MeanT(TVec{1, 2}, 1.0); }},
+      {"MeanT(Percent >= 100) or (Percent < 0)", [&] { MeanT(TVec{1, 2}, -0.01); }},
+      {"MeanT(Percent >= 100) or (Percent < 0)", [&] { MeanT(TVec{1, 2}, NAN); }},
+      {"MeanT : Percentile : Empty vector", [&] { MeanT(TVec{}, 0.1); }},
+      {"Moment : X.Complex = true", [&] { Moment(cplx, 0, 0); }},
+      {"Range: X.Complex := true", [&] { Range(cplx); }},
+      {"Range : Empty vector", [&] { Range(TVec{}); }},
+      {"RangeRows : Empty vector", [&] { RangeRows(noCols, d); }},
+      {"StdCols : Empty vector", [&] { StdCols(noRows, d); }},
+      {"ZScore : StdCols : Empty vector", [&] { ZScore(noRows, out); }},
+  };
+  for (const auto& c : cases) EXPECT_RAISES(c.call(), c.message);
+}
+
+}  // namespace
+}  // namespace statkit::Statistics
