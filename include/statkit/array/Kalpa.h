@@ -398,7 +398,9 @@ public:
   void SumRows(TVec& Dst) const;
 
   // --- matrix algebra --------------------------------------------------------
-  /// \brief Self = op1(Mtx1) * op2(Mtx2).
+  /// \brief Self = op1(Mtx1) * op2(Mtx2); complex when either operand is. With matrix kinds,
+  /// a symmetric or Hermitian operand is read from the triangle its TriangleForm names and a
+  /// triangular one from its triangle (unit diagonal when TriangleUnit).
   void Mul(const TMtx& Mtx1, const TMtx& Mtx2, TMtxOperation Op1 = opNone, TMtxOperation Op2 = opNone);
   void Mul(const TMtx& Mtx1, const TMtx& Mtx2, TMtxType Type1, TMtxType Type2, TMtxOperation Op1 = opNone,
            TMtxOperation Op2 = opNone);
@@ -407,18 +409,22 @@ public:
   void TensorProd(const TVec& Vec1, const TVec& Vec2);
   /// \brief Adds the outer product Vec1 Vec2' (conjugating Vec2 when \p ConjVec2) to Self.
   void AddTensorProd(const TVec& Vec1, const TVec& Vec2, bool ConjVec2 = false);
-  /// \brief Inverts in place; raises "Singular matrix" (or "Matrix is not positive definite" for the positive definite kinds).
+  /// \brief Inverts in place; raises "Singular matrix" (a zero pivot, or an estimated reciprocal
+  /// condition number below epsilon) or "Matrix is not positive definite" for the positive definite kinds.
   void Inv(TMtxType MtxType);
   using TDenseKalpa::Inv;
   /// \brief Solves op(Self) * X = B by LU decomposition (triangular solve for mtTriangular,
   /// Cholesky for the positive definite kinds), refined once when SetRefineSolution is on.
   void LUSolve(const TVec& B, TVec& X, TMtxType MtxType = mtGeneral, TMtxOperation Op = opNone) const;
   void LUSolve(const TMtx& B, TMtx& X, TMtxType MtxType = mtGeneral, TMtxOperation Op = opNone) const;
-  /// \brief Least-squares solution of op(Self) * X = B by Householder QR; \p R receives the triangular factor when given.
+  /// \brief Least-squares solution of op(Self) * X = B by Householder QR, refined in long double
+  /// (the minimum-norm solution when op(Self) has fewer rows than columns); \p R receives the
+  /// upper triangular factor (of op(Self)' in the minimum-norm case). Rank deficiency raises "Singular matrix".
   void LQRSolve(const TVec& B, TVec& X, TMtx* R = nullptr, TMtxOperation Op = opNone) const;
   /// \brief QR factorisation Self = Q R (Q with orthonormal columns, thin form).
   void LQR(TMtx& Q, TMtx& R, bool = false) const;
-  /// \brief Singular value decomposition Self = U diag(S) V', S descending.
+  /// \brief Singular value decomposition Self = U diag(S) V', S descending; thin U and V
+  /// (min(Rows, Cols) columns) when the flag is true, square otherwise.
   void SVD(TMtx& U, TVec& S, TMtx& V, bool = true) const;
   void SVD(TVec& S) const;
   /// \brief Cholesky factor in place: Self = L L' with L lower triangular (the upper part zeroed).
@@ -430,8 +436,8 @@ public:
   TTriangleForm TriangleForm() const { return triangleForm_; }
   bool TriangleUnit() const { return triangleUnit_; }
   bool RefineSolution() const { return refineSolution_; }
-  /// \brief Toeplitz matrix: Vec1 fills the first column (main diagonal and below),
-  /// Vec2 the first row from the first off-diagonal on.
+  /// \brief Toeplitz matrix of Vec1.Length rows and Vec2.Length + 1 columns: Vec1 fills the
+  /// first column (main diagonal and below), Vec2 the first row from the first off-diagonal on.
   void Toeplitz(const TVec& Vec1, const TVec& Vec2);
   /// \brief Vandermonde matrix of \p Vec: Self(i, j) = Vec[i]^(Cols - 1 - j).
   void VanderMonde(int Cols, const TVec& Vec);
@@ -459,7 +465,9 @@ private:
 };
 
 /// \brief Fills \p Roots (complex) with the roots of the polynomial
-/// Coeffs[0] x^(n-1) + ... + Coeffs[n-1] (highest power first, as numpy.roots).
+/// Coeffs[0] x^(n-1) + ... + Coeffs[n-1] (highest power first, as numpy.roots): leading
+/// zeros are dropped, trailing zeros give exact zero roots, a constant or zero polynomial
+/// gives none, and a non-finite coefficient gives NaN roots.
 STATKIT_API void PolyRoots(TVec& Roots, const TVec& Coeffs);
 
 }  // namespace statkit

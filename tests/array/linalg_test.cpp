@@ -1,0 +1,301 @@
+// Dense linear algebra: NIST StRD least squares, polynomial roots against
+// NumPy and mpmath, decompositions by reconstruction, products against the
+// textbook triple loop, aliasing, refinement and the error messages.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <sstream>
+
+#include "statkit/Array.h"
+#include "support/expect.h"
+#include "support/fixture.h"
+
+namespace statkit::test {
+namespace {
+
+// Element (r, c) of op(m), real or complex storage alike.
+TCplx opAt(const TMtx& m, int r, int c, TMtxOperation op = opNone) {
+  if (op != opNone) std::swap(r, c);
+  TCplx z = m.Complex() ? m.CValues(r, c) : TCplx(m(r, c));
+  return op == opConjTranspose ? std::conj(z) : z;
+}
+
+using Entries = std::function<TCplx(int, int)>;
+
+double maxDiff(const TMtx& got, const Entries& want) {
+  double d = 0;
+  for (int i = 0; i < got.Rows(); ++i)
+    for (int j = 0; j < got.Cols(); ++j) d = std::max(d, std::abs(opAt(got, i, j) - want(i, j)));
+  return d;
+}
+
+// The independent reference of every product check: the textbook triple loop.
+Entries naiveProduct(const TMtx& a, const TMtx& b, TMtxOperation op1 = opNone, TMtxOperation op2 = opNone) {
+  return [=, inner = op1 == opNone ? a.Cols() : a.Rows()](int i, int j) {
+    TCplx s = 0;
+    for (int k = 0; k < inner; ++k) s += opAt(a, i, k, op1) * opAt(b, k, j, op2);
+    return s;
+  };
+}
+
+// A NIST StRD linear least squares set: parameter Bj multiplies x^j (one
+// predictor) or x_j (several); the header gives the lines of the certified
+// values and of the data.
+struct NistLls {
+  std::vector<int> powers;
+  std::vector<double> certified;
+  std::vector<std::vector<double>> data;  // y, x1, ...
+};
+
+NistLls readNistLls(const std::string& path) {
+  std::ifstream in(path);
+  std::vector<std::string> lines;
+  for (std::string l; std::getline(in, l);) lines.push_back(l.substr(0, l.find('\r')));
+  int range[2][2] = {{0, -1}, {0, -1}};  // certified values, data (1-based, inclusive)
+  for (int i = 0; i < 60 && i < static_cast<int>(lines.size()); ++i)
+    if (auto at = lines[i].find("(lines"); at != std::string::npos) {
+      int* r = range[lines[i].find("Certified") == std::string::npos];
+      std::sscanf(lines[i].c_str() + at, "(lines %d to %d)", &r[0], &r[1]);
+    }
+  NistLls set;
+  for (int i = range[0][0] - 1; i < range[0][1]; ++i) {
+    std::istringstream words(lines[i]);
+    std::string name;
+    double value;
+    if (words >> name >> value && name.size() > 1 && name[0] == 'B' && std::isdigit(name[1]))
+      set.powers.push_back(std::stoi(name.substr(1))), set.certified.push_back(value);
+  }
+  for (int i = range[1][0] - 1; i < range[1][1]; ++i) {
+    std::istringstream words(lines[i]);
+    set.data.emplace_back(std::istream_iterator<double>(words), std::istream_iterator<double>());
+  }
+  return set;
+}
+
+// Lowest LRE accepted per set. Refining the augmented system leaves cond(X),
+// not its square, in the coefficients' error, so every set keeps 13 digits
+// but Filip, whose design has cond 1.8e15 (cond x eps = 0.4: refinement no
+// longer converges; a backward-stable QR keeps about 8 digits there).
+TEST(LeastSquaresNist, CertifiedCoefficientsThroughHouseholderQr) {
+  std::string dir = StrdDir();
+  if (dir.empty()) GTEST_SKIP() << "NIST StRD not found beside the project";
+  const std::pair<const char*, double> sets[] = {
+      {"Norris", 13},   {"Pontius", 13},  {"NoInt1", 13},   {"NoInt2", 13},   {"Filip", 7},    {"Longley", 13},
+      {"Wampler1", 13}, {"Wampler2", 13}, {"Wampler3", 13}, {"Wampler4", 13}, {"Wampler5", 13}};
+  for (auto [name, minLre] : sets) {
+    NistLls set = readNistLls(dir + "/lls/" + name + ".dat");
+    const int n = static_cast<int>(set.data.size()), p = static_cast<int>(set.powers.size());
+    ASSERT_GT(n * p, 0) << name;
+    TMtx design(n, p);
+    TVec y = TVec(std::vector<double>(n)), b;
+    for (int i = 0; i < n; ++i) {
+      y[i] = set.data[i][0];
+      for (int j = 0; j < p; ++j) {
+        const int k = set.powers[j];
+        design(i, j) = set.data[i].size() == 2 ? std::pow(set.data[i][1], k) : k == 0 ? 1.0 : set.data[i][k];
+      }
+    }
+    design.LQRSolve(y, b);
+    double lre = 16;
+    for (int j = 0; j < p; ++j) lre = std::min(lre, LRE(b[j], set.certified[j]));
+    std::printf("NIST %-9s coefficients LRE %.1f\n", name, lre);
+    EXPECT_GE(lre, minLre) << name;
+  }
+}
+
+// Largest distance from each reference root to its nearest unclaimed partner,
+// relative to |root| (absolute for a zero root), so tiny roots count; -1 when
+// the counts differ.
+double rootError(std::vector<TCplx> got, const Record& r, const std::string& key) {
+  auto re = r.Nums(key + "_re"), im = r.Nums(key + "_im");
+  if (got.size() != re.size()) return -1;
+  double worst = 0;
+  for (std::size_t i = 0; i < re.size(); ++i) {
+    TCplx want(re[i], im[i]);
+    auto near = std::min_element(got.begin(), got.end(),
+                                 [&](TCplx a, TCplx b) { return std::abs(a - want) < std::abs(b - want); });
+    worst = std::max(worst, std::abs(*near - want) / (want == 0.0 ? 1.0 : std::abs(want)));
+    got.erase(near);
+  }
+  return worst;
+}
+
+TEST(PolyRoots, NoLessAccurateThanNumpyCompanionEigenvalues) {
+  for (const Record& r : LoadFixture("polyroots.txt")) {
+    TVec roots;
+    PolyRoots(roots, r.Vec("coeffs"));
+    std::vector<TCplx> got, numpy;
+    for (int i = 0; i < roots.Length(); ++i) got.push_back(roots.CValues(i));
+    auto re = r.Nums("numpy_re"), im = r.Nums("numpy_im");
+    for (std::size_t i = 0; i < re.size(); ++i) numpy.emplace_back(re[i], im[i]);
+    double ours = rootError(got, r, "exact"), theirs = rootError(numpy, r, "exact");
+    std::printf("roots %-18s error %.1e (NumPy %.1e)\n", r.Str("name").c_str(), ours, theirs);
+    // The same companion matrix, balanced as LAPACK balances it: the two differ
+    // by rounding only, so allow 8 x NumPy's error (at least 8 eps).
+    EXPECT_GE(ours, 0) << r.Str("name") << ": wrong number of roots";
+    EXPECT_LE(ours, 8 * std::max(theirs, kEps)) << r.Str("name");
+  }
+  TVec roots;
+  PolyRoots(roots, TVec{1, NAN, 2});  // NaN in, NaN out: Eigen would give no eigenvalues
+  EXPECT_TRUE(roots.Length() == 2 && std::isnan(roots.CValues(1).real()));
+}
+
+TEST(Decompositions, ReconstructWithOrthonormalFactors) {
+  const TMtx cases[] = {{{4, 1, -2}, {1, 3, 0.5}, {-2, 0.5, 6}, {0.25, -1, 2}, {7, 0, 1}},
+                        {{1, 2, 3, 4, 5}, {2, 4.5, 6, 8, 10}, {-1, 0, 1, 0, -1}},
+                        {{1, 2, 3, 4}, {2, 4, 6, 8}, {1, 0, 1, 0}, {3, 4, 7, 8}},  // rank 2
+                        {{-3}}};
+  for (const TMtx& a : cases) {
+    const int m = a.Rows(), n = a.Cols(), k = std::min(m, n);
+    const double tol = 32 * kEps * m * n * 10;  // backward-stable factorisations of entries up to 10
+    TMtx u, v, q, r, eye;
+    TVec s, sOnly;
+    a.SVD(u, s, v);
+    a.SVD(sOnly);
+    ASSERT_TRUE(u.Rows() == m && u.Cols() == k && v.Rows() == n && v.Cols() == k && s.Length() == k);
+    for (int j = 0; j < k; ++j) {
+      EXPECT_EQ(s[j], sOnly[j]);
+      EXPECT_GE(s[j], j + 1 < k ? s[j + 1] : 0.0) << "singular values not descending";
+    }
+    EXPECT_LT(maxDiff(a,
+                      [&](int i, int j) {
+                        TCplx t = 0;
+                        for (int c = 0; c < k; ++c) t += u(i, c) * s[c] * v(j, c);
+                        return t;
+                      }),
+              tol);
+    a.LQR(q, r);
+    EXPECT_LT(maxDiff(a, naiveProduct(q, r)), tol);
+    EXPECT_LT(maxDiff(r, [&](int i, int j) { return j < i ? TCplx(0) : opAt(r, i, j); }), 1e-300) << "R not upper";
+    for (const TMtx* orth : {&u, &q}) {
+      eye.Eye(k, k);
+      EXPECT_LT(maxDiff(eye, naiveProduct(*orth, *orth, opTranspose, opNone)), tol);
+    }
+  }
+  const TMtx pd{{4, 2, -2}, {2, 10, 1}, {-2, 1, 5.5}};
+  TMtx l(pd);
+  l.Cholesky();
+  EXPECT_EQ(l(0, 1) + l(0, 2) + l(1, 2), 0.0);
+  EXPECT_LT(maxDiff(pd, naiveProduct(l, l, opNone, opTranspose)), 16 * kEps * 10);
+}
+
+TEST(MatrixProduct, EveryOperationOnRealComplexAndMixedStorage) {
+  const TMtx real{{1, -2}, {0.5, 3}, {4, 0}};
+  const TMtx cplx = [] {
+    TMtx c(3, 2, true);
+    for (int i = 0; i < 12; ++i) c.data()[i] = 3 * std::sin(1.0 + i);  // no zero imaginary parts
+    return c;
+  }();
+  for (const TMtx* a : {&real, &cplx})
+    for (const TMtx* b : {&real, &cplx})
+      for (auto [op1, op2] : {std::pair{opNone, opTranspose}, {opNone, opConjTranspose}, {opTranspose, opNone},
+                              {opConjTranspose, opNone}}) {
+        TMtx c;
+        c.Mul(*a, *b, op1, op2);
+        EXPECT_EQ(c.Complex(), a->Complex() || b->Complex());
+        EXPECT_LT(maxDiff(c, naiveProduct(*a, *b, op1, op2)), 8 * kEps * 20) << int(op1) << int(op2);
+      }
+}
+
+TEST(MatrixProduct, KindsReadOnlyTheirTriangle) {
+  // The unread triangle holds 99s; the matrices the kinds stand for are written out in full.
+  TMtx stored{{2, 99, 99}, {-1, 3, 99}, {4, 0.5, 5}}, b{{1, 2}, {3, 4}, {5, 6}}, c, x;
+  const TMtx symmetric{{2, -1, 4}, {-1, 3, 0.5}, {4, 0.5, 5}}, unitLower{{1, 0, 0}, {-1, 1, 0}, {4, 0.5, 1}};
+  c.Mul(stored, b, mtSymmetric, mtGeneral);
+  EXPECT_LT(maxDiff(c, naiveProduct(symmetric, b)), 64 * kEps);
+  stored.SetTriangleUnit(true);
+  c.Mul(stored, b, mtTriangular, mtGeneral, opTranspose, opNone);
+  EXPECT_LT(maxDiff(c, naiveProduct(unitLower, b, opTranspose)), 64 * kEps);
+  stored.LUSolve(b, x, mtTriangular, opTranspose);  // the transposed lower triangle solves as upper
+  EXPECT_LT(maxDiff(b, naiveProduct(unitLower, x, opTranspose)), 64 * kEps);
+}
+
+TEST(Aliasing, OutputMayBeAnInput) {
+  const TMtx a0{{2, 1, 0}, {1, 3, -1}, {0.5, -1, 4}};
+  TMtx a(a0), tall{{1, 2}, {3, 4}, {5, 6}}, bm{{1, 0}, {2, 1}, {3, 0}};
+  a.Mul(a, a);
+  EXPECT_LT(maxDiff(a, naiveProduct(a0, a0)), 64 * kEps);
+  tall.Mul(tall, tall, opTranspose, opNone);  // the result has another shape than its input
+  EXPECT_EQ(maxDiff(tall, [](int i, int j) { return TCplx(i + j == 0 ? 35 : i + j == 1 ? 44 : 56); }), 0.0);
+  TVec b{1, 2, 3}, coeffs{1, -3, 2};
+  a0.LUSolve(b, b);
+  a0.LUSolve(bm, bm);
+  b.TensorProd(a0, b);
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(b[i], i + 1.0, 16 * kEps);
+  EXPECT_LT(maxDiff(TMtx{{1, 0}, {2, 1}, {3, 0}}, naiveProduct(a0, bm)), 16 * kEps);
+  PolyRoots(coeffs, coeffs);
+  ASSERT_EQ(coeffs.Length(), 2);
+  EXPECT_NEAR(std::abs(coeffs.CValues(0) * coeffs.CValues(1)), 2.0, 8 * kEps);
+}
+
+// An integer-scaled Hilbert matrix (cond 1.5e10) with an exactly representable
+// system: plain LU loses about 10 digits; one refinement step with a long
+// double residual recovers at least 3 more (a double residual would not).
+TEST(LUSolve, RefinementRecoversDigitsOfIllConditionedSystem) {
+  const int n = 8;
+  TMtx h(n, n);
+  TVec x = TVec(std::vector<double>(n)), b = x, plain, refined;
+  for (int i = 0; i < n; ++i) x[i] = (i % 2 ? -1.0 : 1.0) * (i + 1);
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < n; ++j) b[i] += (h(i, j) = 360360.0 / (i + j + 1)) * x[j];  // exact integers
+  h.LUSolve(b, plain);
+  h.SetRefineSolution(true);
+  h.LUSolve(b, refined);
+  plain.Sub(x), refined.Sub(x);
+  EXPECT_LT(refined.NormL2(), plain.NormL2() * 1e-3) << plain.NormL2() << " " << refined.NormL2();
+}
+
+TEST(StructuredMatrices, ToeplitzAndVandermondeElements) {
+  TVec rho{1, 0.5, 0.25, -0.125}, tail, row{7, 8};
+  tail.SetSubRange(rho, 1, 3);
+  TMtx t, r, v;
+  t.Toeplitz(rho, tail);
+  EXPECT_EQ(maxDiff(t, [&](int i, int j) { return TCplx(rho[std::abs(i - j)]); }), 0.0);
+  r.Toeplitz(rho, row);  // 4 x 3: the first column from rho, the first row 1, 7, 8
+  ASSERT_EQ(r.Cols(), 3);
+  EXPECT_EQ(maxDiff(r, [&](int i, int j) { return TCplx(j <= i ? rho[i - j] : row[j - i - 1]); }), 0.0);
+  v.VanderMonde(4, TVec{0, -2, 3});
+  EXPECT_EQ(maxDiff(v, [](int i, int j) { return TCplx(std::pow(i == 0 ? 0.0 : i == 1 ? -2.0 : 3.0, 3 - j)); }), 0.0);
+}
+
+TEST(LinearAlgebraErrors, ExactMessages) {
+  const TMtx singular{{1, 2}, {2, 4}}, nearSingular{{1, 2}, {3, 6.000000000000001}}, indefinite{{1, 2}, {2, 1}};
+  const TMtx dependent{{1, 2, 2}, {1, 3, 3}, {1, 5, 5}, {1, 7, 7}}, rect{{1, 2, 3}, {4, 5, 6}}, empty;
+  const TVec two{1, 2}, three{1, 2, 3};
+  TMtx out, m, cplx(1, 1, true);
+  TVec x;
+  const std::pair<std::function<void()>, const char*> cases[] = {
+      {[&] { (m = singular).Inv(mtGeneral); }, "Singular matrix"},
+      {[&] { (m = nearSingular).Inv(mtGeneral); }, "Singular matrix"},  // reciprocal condition 1e-17
+      {[&] { TMtx{{1, 0}, {5, 0}}.LUSolve(two, x, mtTriangular); }, "Singular matrix"},
+      {[&] { dependent.LQRSolve(TVec{1, 2, 3, 4}, x); }, "Singular matrix"},
+      {[&] { TMtx{{1, 0}, {2, 0}, {3, 0}}.LQRSolve(three, x); }, "Singular matrix"},
+      {[&] { (m = indefinite).Cholesky(); }, "Matrix is not positive definite"},
+      {[&] { TMtx{{NAN, 0}, {0, 1}}.Cholesky(); }, "Matrix is not positive definite"},
+      {[&] { indefinite.LUSolve(two, x, mtPosDefSymmetric); }, "Matrix is not positive definite"},
+      {[&] { out.Mul(rect, rect); }, "Size mismatch"},
+      {[&] { out.Mul(rect, rect, mtSymmetric, mtGeneral, opNone, opTranspose); }, "Size mismatch"},
+      {[&] { x.TensorProd(rect, two); }, "Size mismatch"},
+      {[&] { rect.LUSolve(two, x); }, "Size mismatch"},
+      {[&] { singular.LUSolve(three, x); }, "Size mismatch"},
+      {[&] { empty.LUSolve(TVec{}, x); }, "Size mismatch"},
+      {[&] { empty.LQRSolve(TVec{}, x); }, "Size mismatch"},
+      {[&] { rect.LQRSolve(three, x); }, "Size mismatch"},
+      {[&] { out.Toeplitz(TVec{}, two); }, "Size mismatch"},
+      {[&] { cplx.Inv(mtGeneral); }, "Complex data not supported"},
+      {[&] { out.Mul(rect, rect, static_cast<TMtxOperation>(3), opNone); }, "Invalid parameter"},
+  };
+  for (const auto& bad : cases) EXPECT_RAISES(bad.first(), bad.second);
+  TMtx u, w, withNan{{1, NAN}, {2, 3}};
+  withNan.SVD(u, x, w);  // Eigen refuses non-finite input without results: NaN, not garbage
+  EXPECT_TRUE(std::isnan(x[0]) && std::isnan(x[1]));
+}
+
+}  // namespace
+}  // namespace statkit::test
