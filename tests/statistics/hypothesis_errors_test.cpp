@@ -106,5 +106,32 @@ TEST(HypothesisTestErrors, InvalidLevelIsUndecidedWithoutRaising) {
   }
 }
 
+TEST(HypothesisTestErrors, DegenerateSamplesAreUndecidedWithoutRaising) {
+  // One value has no spread (zero degrees of freedom), a constant sample no
+  // scale: the statistics come out NaN and the decision hrNan.
+  const TVec one{2.0}, flat{3.0, 3.0, 3.0, 3.0, 3.0};
+  using Call = std::function<void(THypothesisResult&, double&, double*)>;
+  const struct {
+    const char* name;
+    Call call;
+  } cases[] = {
+      {"tTest of one value", [&](auto& h, double& p, double* ci) { tTest(one, 1, h, p, ci, htTwoTailed, 0.05); }},
+      {"tTest of one and one", [&](auto& h, double& p, double* ci) { tTest(one, one, h, p, ci, false, htLeftTailed, 0.05); }},
+      {"ChiSquareTest of one value", [&](auto& h, double& p, double* ci) { ChiSquareTest(one, 1, h, p, ci, htTwoTailed, 0.05); }},
+      {"FTest of constants", [&](auto& h, double& p, double* ci) { FTest(flat, flat, h, p, ci, htRightTailed, 0.05); }},
+      {"ShapiroWilks of a constant", [&](auto& h, double& p, double*) { ShapiroWilks(flat, h, p, htRightTailed, 0.05); }},
+      {"ShapiroFrancia of a constant", [&](auto& h, double& p, double*) { ShapiroFrancia(flat, h, p, htTwoTailed, 0.05); }},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    PoolBalance balance;
+    THypothesisResult h = hrReject;
+    double p = 0.25, ci[2];
+    c.call(h, p, ci);
+    EXPECT_TRUE(std::isnan(p));
+    EXPECT_EQ(h, hrNan);
+  }
+}
+
 }  // namespace
 }  // namespace statkit::test
