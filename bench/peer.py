@@ -23,9 +23,9 @@ relative = {}  # statkit kernel -> (topic, statkit baseline of the same run)
 def load_peers():
     peers = {}
     for path in sorted(glob.glob(os.path.join(here, "peer_*.py"))):
-        spec = importlib.util.spec_from_file_location(os.path.basename(path)[:-3], path)
-        mod = importlib.util.module_from_spec(spec)
-        spec.loader.exec_module(mod)
+        loader = importlib.util.spec_from_file_location(os.path.basename(path)[:-3], path)
+        mod = importlib.util.module_from_spec(loader)
+        loader.loader.exec_module(mod)
         topic = os.path.basename(path)[len("peer_"):-3]
         for name, make in mod.PEERS.items():
             peers[name] = (topic, make)

@@ -19,6 +19,9 @@ using statkit::EArrayError;
 using statkit::INF;
 using statkit::IsInf;
 using statkit::IsNan;
+using statkit::Random;
+using statkit::Randomize;
+using statkit::RandSeed;
 using statkit::TCplx;
 using statkit::TDenseKalpa;
 using statkit::TKalpa;
@@ -203,6 +206,53 @@ STATKIT_API void MVStudent(int v, double& Mean, double& Variance);
 STATKIT_API void MVUniform(double a, double b, double& Mean, double& Variance);
 STATKIT_API void MVUniformD(int N, double& Mean, double& Variance);
 STATKIT_API void MVWeibull(double a, double b, double& Mean, double& Variance);
+
+// --- random variates ----------------------------------------------------------
+// Each fills every element of Results (a vector or a matrix, never resized) with
+// variates of the named law, from a new generator (or two) seeded by one draw of
+// the process-wide generator each, so a seeded process repeats its values.
+// Parameterisations as for the moments above.
+
+/// \brief Beta with shapes A and B, as G1 / (G1 + G2) of two gamma variates.
+STATKIT_API void RandomBeta(double A, double B, TDenseKalpa& Results);
+/// \brief Binomial: successes in n trials of success probability p.
+STATKIT_API void RandomBinom(int n, double p, TDenseKalpa& Results);
+/// \brief Cauchy with location m and scale b.
+STATKIT_API void RandomCauchy(double m, double b, TDenseKalpa& Results);
+/// \brief Chi-square with nu degrees of freedom (gamma with shape nu/2 and scale 2).
+STATKIT_API void RandomChiSquare(int nu, TDenseKalpa& Results);
+/// \brief Exponential with mean mu.
+STATKIT_API void RandomExponent(double mu, TDenseKalpa& Results);
+/// \brief F with ANu1 and ANu2 degrees of freedom.
+STATKIT_API void RandomF(int ANu1, int ANu2, TDenseKalpa& Results);
+/// \brief Gamma with shape A and scale B (Marsaglia and Tsang's method; the exponential for A = 1).
+STATKIT_API void RandomGamma(double A, double B, TDenseKalpa& Results);
+/// \brief Geometric: failures before the first success of probability p (+INF for p = 0).
+STATKIT_API void RandomGeometric(double p, TDenseKalpa& Results);
+/// \brief Hypergeometric: marked items in a sample of N from M items of which K are marked.
+STATKIT_API void RandomHypGeometric(int M, int K, int N, TDenseKalpa& Results);
+/// \brief Laplace with location m and scale b.
+STATKIT_API void RandomLaplace(double m, double b, TDenseKalpa& Results);
+/// \brief Log-normal: exp of a normal with mean mu and standard deviation sigma.
+STATKIT_API void RandomLogNormal(double mu, double sigma, TDenseKalpa& Results);
+/// \brief Negative binomial: failures before the r-th success of probability p.
+STATKIT_API void RandomNegBinom(int r, double p, TDenseKalpa& Results);
+/// \brief Normal with mean mu and standard deviation sigma.
+STATKIT_API void RandomNormal(double mu, double sigma, TDenseKalpa& Results);
+/// \brief Poisson with mean lambda.
+STATKIT_API void RandomPoisson(double lambda, TDenseKalpa& Results);
+/// \brief Rayleigh with scale b.
+STATKIT_API void RandomRayleigh(double b, TDenseKalpa& Results);
+/// \brief Student's t with v degrees of freedom.
+STATKIT_API void RandomStudent(int v, TDenseKalpa& Results);
+/// \brief Triangular on [a, b] with mode c, by inversion.
+STATKIT_API void RandomTriangular(double a, double b, double c, TDenseKalpa& Results);
+/// \brief Uniform on [a, b].
+STATKIT_API void RandomUniform(double a, double b, TDenseKalpa& Results);
+/// \brief Discrete uniform on 1..N (zeros for N = 0).
+STATKIT_API void RandomUniformD(int N, TDenseKalpa& Results);
+/// \brief Weibull with F(x) = 1 - exp(-a x^b).
+STATKIT_API void RandomWeibull(double a, double b, TDenseKalpa& Results);
 
 // --- full factorial design --------------------------------------------------
 

@@ -85,6 +85,9 @@ public:
   /// \brief Sets every element (of the range) to 0.
   void SetZero();
   void SetZero(int Index, int Len);
+  /// \brief Fills every element with normal variates of mean \p Mu and standard deviation
+  /// \p Sigma from a new generator seeded by one draw of the process-wide generator.
+  void RandGauss(double Mu = 0.0, double Sigma = 1.0);
 
   /// \brief Raw storage: Length() doubles, or 2 Length() for complex data.
   double* data() { return base_; }

@@ -1,0 +1,385 @@
+// Random streams: Philox4x32-10 against its authors' known answers, every
+// batch kernel against the one-block function, the layout of keys and
+// counters, seeds, reproducibility, independence of streams, refused
+// parameters, and the stream laws that the variate procedures do not reach.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <thread>
+#include <vector>
+
+#include "array/philox.h"
+#include "statkit/Array.h"
+#include "support/expect.h"
+#include "support/fixture.h"
+#include "support/goodness_of_fit.h"
+
+namespace statkit {
+namespace {
+
+using Block = std::array<std::uint32_t, 4>;
+
+Block philox(Block ctr, std::array<std::uint32_t, 2> key) {
+  Block out;
+  rng::PhiloxBlock(ctr.data(), key.data(), out.data());
+  return out;
+}
+
+// Salmon, Moraes, Dror and Shaw's known-answer vectors for Philox4x32-10
+// (counter, key, output), as published with their reference implementation.
+TEST(Philox, ReproducesPublishedKnownAnswers) {
+  struct Kat {
+    Block ctr;
+    std::array<std::uint32_t, 2> key;
+    Block out;
+  } table[] = {
+      {{0, 0, 0, 0}, {0, 0}, {0x6627e8d5, 0xe169c58d, 0xbc57ac4c, 0x9b00dbd8}},
+      {{0xffffffff, 0xffffffff, 0xffffffff, 0xffffffff},
+       {0xffffffff, 0xffffffff},
+       {0x408f276d, 0x41c83b0e, 0xa20bc7c6, 0x6d5451fd}},
+      {{0x243f6a88, 0x85a308d3, 0x13198a2e, 0x03707344},
+       {0xa4093822, 0x299f31d0},
+       {0xd16cfe09, 0x94fdcceb, 0x5001e420, 0x24126ea1}},
+  };
+  for (const auto& k : table) EXPECT_EQ(philox(k.ctr, k.key), k.out);
+}
+
+// Each batch kernel keeps its own counters: a carry out of the low 32 or 64
+// bits, or a batch that ends inside a group of lanes, would show here.
+TEST(Philox, EveryBatchKernelMatchesTheOneBlockFunction) {
+  struct Start {
+    std::uint64_t lo, hi;
+    std::size_t blocks;
+  } starts[] = {
+      {0, 0, 1}, {0, 0, 77}, {0xFFFFFFF0ull, 5, 40}, {0xFFFFFFFFFFFFFFF5ull, 0x1234, 45},
+      {0xFFFFFFFFFFFFFFFFull, 0xFFFFFFFFFFFFFFFFull, 33},
+  };
+  const std::uint32_t key[2] = {0xDEADBEEF, 7};
+  for (auto kernel : {rng::PhiloxKernel::Portable, rng::PhiloxKernel::Avx2, rng::PhiloxKernel::Avx512}) {
+    if (!rng::PhiloxKernelAvailable(kernel)) continue;
+    for (const auto& s : starts) {
+      SCOPED_TRACE(::testing::Message() << "kernel " << int(kernel) << " from " << s.lo);
+      std::vector<std::uint32_t> out(4 * s.blocks);
+      rng::PhiloxBlocksWith(kernel, key, s.lo, s.hi, out.data(), s.blocks);
+      for (std::size_t b = 0; b < s.blocks; ++b) {
+        std::uint64_t lo = s.lo + b, hi = s.hi + (lo < s.lo ? 1 : 0);
+        Block ctr = {std::uint32_t(lo), std::uint32_t(lo >> 32), std::uint32_t(hi), std::uint32_t(hi >> 32)};
+        Block expect = philox(ctr, {key[0], key[1]});
+        ASSERT_EQ((Block{out[4 * b], out[4 * b + 1], out[4 * b + 2], out[4 * b + 3]}), expect) << "block " << b;
+      }
+    }
+  }
+}
+
+// Distinct keys: stream i has key (seed, i) and counts from 0; skip-ahead: key
+// (seed, 0) and stream i counts from i 2^64; stream 0 is the same in every mode.
+TEST(RandomStreams, KeysAndCountersOfEachIndependence) {
+  struct Case {
+    TRngStreamIndependence mode;
+    int stream;
+    std::array<std::uint32_t, 2> key;
+    std::uint32_t ctrHigh;
+  } table[] = {
+      {siDistinctKeys, 0, {12345, 0}, 0}, {siDistinctKeys, 3, {12345, 3}, 0},
+      {siSkipAhead, 0, {12345, 0}, 0},    {siSkipAhead, 3, {12345, 0}, 3},
+      {siSingleStream, 0, {12345, 0}, 0},
+  };
+  for (const auto& t : table) {
+    SCOPED_TRACE(::testing::Message() << int(t.mode) << " stream " << t.stream);
+    TRandomGenerator g;
+    g.SetStreamIndependence(t.mode);
+    g.SetStreamCount(t.mode == siSingleStream ? 1 : 4);
+    g.Init(rgPhilox4x32, 12345);
+    TRngStream& s = g.GetStream(t.stream);
+    EXPECT_EQ(s.Key(), t.key);
+    std::vector<std::uint32_t> words(8);
+    s.RandomBits(words);
+    for (std::uint32_t b = 0; b < 2; ++b) {
+      Block expect = philox({b, 0, t.ctrHigh, 0}, t.key);
+      EXPECT_EQ((Block{words[4 * b], words[4 * b + 1], words[4 * b + 2], words[4 * b + 3]}), expect);
+    }
+  }
+}
+
+// A fill starts at the block after the last one the previous fill touched,
+// whether the previous fill ended inside a block, inside a chunk or exactly
+// at the end of one.
+TEST(RandomStreams, EachFillStartsAtAFreshBlock) {
+  for (std::size_t first : {1u, 4u, 5u, 63u, 1024u, 1030u, 70001u}) {
+    SCOPED_TRACE(first);
+    TRandomGenerator g;
+    g.Init(rgPhilox4x32, -7);
+    TRngStream& s = g.GetStream(0);
+    std::vector<std::uint32_t> a(first), b(4);
+    s.RandomBits(a);
+    s.RandomBits(b);
+    std::uint32_t next = static_cast<std::uint32_t>((first + 3) / 4);
+    EXPECT_EQ((Block{b[0], b[1], b[2], b[3]}), philox({next, 0, 0, 0}, {static_cast<std::uint32_t>(-7), 0}));
+  }
+}
+
+TEST(RandomStreams, SeedIsTheDrawRoundedHalfToEvenAsSigned) {
+  struct Case {
+    double u;
+    int seed;
+  } table[] = {
+      {0.0, 0},
+      {1.0 / 4294967295.0, 1},
+      {0.25, 1073741824},                       // 1073741823.75 rounds up
+      {1.5 / 4294967295.0, 2},                  // a half goes to the even neighbour
+      {2.5 / 4294967295.0, 2},
+      {0.5, std::numeric_limits<int>::min()},   // 2147483647.5 -> 2^31, reinterpreted
+      {1.0 - 0x1.0p-53, -1},                    // 4294967295 -> -1
+  };
+  for (const auto& t : table) EXPECT_EQ(SeedFromUniform(t.u), t.seed) << t.u;
+  EXPECT_RAISES(SeedFromUniform(1.0), "Invalid parameter");
+  EXPECT_RAISES(SeedFromUniform(NAN), "Invalid parameter");
+  RandSeed(3);
+  double u = Random();
+  RandSeed(3);
+  EXPECT_EQ(NextSeed(), SeedFromUniform(u));
+}
+
+TEST(RandomStreams, ReproducibleAndRestartedByInitAndByResizing) {
+  auto draw = [](TRandomGenerator& g, int stream) {
+    TVec v;
+    v.Size(100);
+    g.GetStream(stream).RandomUniform(v, 0, 1);
+    return std::vector<double>(v.begin(), v.end());
+  };
+  TRandomGenerator a, b;
+  a.SetStreamCount(3);
+  b.SetStreamCount(3);
+  a.Init(rgPhilox4x32, 99);
+  b.Init(rgPhilox4x32, 99);
+  auto first = draw(a, 2);
+  EXPECT_EQ(first, draw(b, 2));
+  EXPECT_NE(first, draw(a, 2)) << "a stream moves on";
+  EXPECT_NE(first, draw(a, 1)) << "streams differ";
+  a.Init(rgPhilox4x32, 99);
+  EXPECT_EQ(first, draw(a, 2)) << "Init restarts";
+  draw(a, 2);
+  a.SetStreamCount(4);
+  EXPECT_EQ(first, draw(a, 2)) << "a new stream count restarts";
+  TRandomGenerator fresh;  // unseeded: as Init(rgPhilox4x32, 0)
+  TRandomGenerator zero;
+  zero.Init(rgPhilox4x32, 0);
+  EXPECT_EQ(draw(fresh, 0), draw(zero, 0));
+}
+
+// Independence: the correlation of 10^7 paired uniforms of two streams stays
+// within 5/sqrt(10^7) (five standard errors of a null correlation), for
+// neighbouring and distant streams, neighbouring seeds and skip-ahead streams.
+TEST(RandomStreams, StreamsAreUncorrelated) {
+  struct Pair {
+    const char* what;
+    TRngStreamIndependence mode;
+    int seedA, streamA, seedB, streamB;
+  } table[] = {
+      {"streams 0 and 1", siDistinctKeys, 1, 0, 1, 1},
+      {"streams 0 and 2", siDistinctKeys, 1, 0, 1, 2},
+      {"streams 1 and 7", siDistinctKeys, 1, 1, 1, 7},
+      {"seeds 5 and 6", siDistinctKeys, 5, 0, 6, 0},
+      {"skip-ahead 0 and 1", siSkipAhead, 1, 0, 1, 1},
+  };
+  const int n = 10000000, chunk = 1000000;
+  for (const auto& t : table) {
+    SCOPED_TRACE(t.what);
+    TRandomGenerator ga, gb;
+    ga.SetStreamIndependence(t.mode);
+    gb.SetStreamIndependence(t.mode);
+    ga.SetStreamCount(8);
+    gb.SetStreamCount(8);
+    ga.Init(rgPhilox4x32, t.seedA);
+    gb.Init(rgPhilox4x32, t.seedB);
+    TVec x, y;
+    x.Size(chunk);
+    y.Size(chunk);
+    double sxy = 0, sx = 0, sy = 0, sxx = 0, syy = 0;
+    for (int done = 0; done < n; done += chunk) {
+      ga.GetStream(t.streamA).RandomUniform(x, -0.5, 0.5);
+      gb.GetStream(t.streamB).RandomUniform(y, -0.5, 0.5);
+      for (int i = 0; i < chunk; ++i) {
+        sx += x[i], sy += y[i], sxy += x[i] * y[i], sxx += x[i] * x[i], syy += y[i] * y[i];
+      }
+    }
+    double cov = sxy / n - (sx / n) * (sy / n);
+    double r = cov / std::sqrt((sxx / n - (sx / n) * (sx / n)) * (syy / n - (sy / n) * (sy / n)));
+    EXPECT_LE(std::fabs(r), 5.0 / std::sqrt(double(n))) << "correlation " << r;
+  }
+}
+
+TEST(RandomStreams, RefusedCallsRaiseTheArrayMessages) {
+  TRandomGenerator g;
+  g.SetStreamCount(2);
+  TRngStream& s = g.GetStream(0);
+  TVec v;
+  v.Size(10);
+  TVec c;
+  c.Size(4, true);
+  const double nan = NAN, big = std::numeric_limits<double>::max();
+  struct Bad {
+    const char* what;
+    std::function<void()> call;
+    const char* message;
+  } table[] = {
+      {"reserved generator 0", [&] { g.Init(rgReserved0, 1); }, "Basic generator not supported"},
+      {"reserved generator 1", [&] { g.Init(rgReserved1, 1); }, "Basic generator not supported"},
+      {"unknown generator", [&] { g.Init(TBasicRandomGenerator(3), 1); }, "Basic generator not supported"},
+      {"no stream", [&] { g.SetStreamCount(0); }, "Invalid parameter"},
+      {"unknown independence", [&] { g.SetStreamIndependence(TRngStreamIndependence(3)); }, "Invalid parameter"},
+      {"single stream of two", [&] { g.SetStreamIndependence(siSingleStream); }, "Invalid parameter"},
+      {"stream past the count", [&] { g.GetStream(2); }, "Index out of range"},
+      {"negative stream", [&] { g.GetStream(-1); }, "Index out of range"},
+      {"complex destination", [&] { s.RandomUniform(c, 0, 1); }, "Complex data not supported"},
+      {"complex RandGauss", [&] { c.RandGauss(0, 1); }, "Complex data not supported"},
+      {"uniform reversed", [&] { s.RandomUniform(v, 1, 0); }, "Invalid parameter"},
+      {"uniform NaN", [&] { s.RandomUniform(v, nan, 1); }, "Invalid parameter"},
+      {"uniform width overflows", [&] { s.RandomUniform(v, -big, big); }, "Invalid parameter"},
+      {"gaussian negative sigma", [&] { s.RandomGaussian(v, 0, -1); }, "Invalid parameter"},
+      {"gaussian unknown method", [&] { s.RandomGaussian(v, 0, 1, TGaussRandMethod(7)); }, "Invalid parameter"},
+      {"exponential infinite scale", [&] { s.RandomExponential(v, 0, INF); }, "Invalid parameter"},
+      {"cauchy negative scale", [&] { s.RandomCauchy(v, 0, -1); }, "Invalid parameter"},
+      {"laplace NaN location", [&] { s.RandomLaplace(v, nan, 1); }, "Invalid parameter"},
+      {"rayleigh negative scale", [&] { s.RandomRayleigh(v, 0, -1); }, "Invalid parameter"},
+      {"weibull shape 0", [&] { s.RandomWeibull(v, 0, 0, 1); }, "Invalid parameter"},
+      {"triangular mode above", [&] { s.RandomTriangular(v, 0, 1, 2); }, "Invalid parameter"},
+      {"binomial negative trials", [&] { s.RandomBinomial(v, -1, 0.5); }, "Invalid parameter"},
+      {"binomial p above 1", [&] { s.RandomBinomial(v, 5, 1.5); }, "Invalid parameter"},
+      {"poisson negative", [&] { s.RandomPoisson(v, -1); }, "Invalid parameter"},
+      {"poisson NaN", [&] { s.RandomPoisson(v, nan); }, "Invalid parameter"},
+      {"poisson unknown method", [&] { s.RandomPoisson(v, 2, TPoissonRandMethod(3)); }, "Invalid parameter"},
+      {"negbinomial r 0", [&] { s.RandomNegbinomial(v, 0, 0.5); }, "Invalid parameter"},
+      {"negbinomial p above 1", [&] { s.RandomNegbinomial(v, 2, 1.5); }, "Invalid parameter"},
+      {"hypergeometric marked above", [&] { s.RandomHypergeometric(v, 5, 6, 1); }, "Invalid parameter"},
+      {"hypergeometric sample above", [&] { s.RandomHypergeometric(v, 5, 1, 6); }, "Invalid parameter"},
+      {"hypergeometric negative", [&] { s.RandomHypergeometric(v, -1, 0, 0); }, "Invalid parameter"},
+  };
+  for (const auto& t : table) {
+    SCOPED_TRACE(t.what);
+    EXPECT_RAISES(t.call(), t.message);
+  }
+}
+
+TEST(RandomStreams, RandGaussIsTheNormalOfOneSeededStream) {
+  TVec a, b;
+  a.Size(1000);
+  b.Size(1000);
+  RandSeed(41);
+  a.RandGauss(2, 3);
+  double next = Random();
+  RandSeed(41);
+  TRandomGenerator g;
+  g.Init(rgPhilox4x32, NextSeed());
+  g.GetStream(0).RandomGaussian(b, 2, 3, gmZiggurat);
+  EXPECT_EQ(next, Random()) << "one process-wide draw";
+  for (int i = 0; i < 1000; ++i) EXPECT_EQ(a[i], b[i]);
+}
+
+// The samplers keep nothing between calls (their tables are built once and
+// read only), so streams used on two threads at once give what they give alone.
+TEST(RandomStreams, ConcurrentStreamsMatchSequentialOnes) {
+  auto work = [](int seed, std::vector<double>& out) {
+    TRandomGenerator g;
+    g.Init(rgPhilox4x32, seed);
+    TVec v;
+    v.Size(20000);
+    auto& s = g.GetStream(0);
+    out.clear();
+    for (int k = 0; k < 5; ++k) {
+      switch (k) {
+        case 0: s.RandomGaussian(v, 0, 1); break;
+        case 1: s.RandomPoisson(v, 250); break;
+        case 2: s.RandomBinomial(v, 500, 0.3); break;
+        case 3: s.RandomHypergeometric(v, 5000, 1200, 800); break;
+        default: s.RandomNegbinomial(v, 3.5, 0.2); break;
+      }
+      out.insert(out.end(), v.begin(), v.end());
+    }
+  };
+  std::vector<double> alone1, alone2, together1, together2;
+  work(1, alone1);
+  work(2, alone2);
+  std::thread t1(work, 1, std::ref(together1)), t2(work, 2, std::ref(together2));
+  t1.join();
+  t2.join();
+  EXPECT_EQ(alone1, together1);
+  EXPECT_EQ(alone2, together2);
+}
+
+// Laws at parameters far beyond the fixture's: the mean and variance of 10^5
+// draws within five standard errors (the laws are close to normal here, so
+// the variance's standard error is sqrt(2/n) var).
+TEST(RandomStreams, DiscreteLawsAtHugeParameters) {
+  struct Case {
+    const char* what;
+    std::function<void(TRngStream&, TVec&)> fill;
+    double mean, variance;
+  } table[] = {
+      {"binomial n = 2^31 - 1", [](TRngStream& s, TVec& v) { s.RandomBinomial(v, 2147483647, 0.5); },
+       2147483647 * 0.5, 2147483647 * 0.25},
+      {"binomial with p near 1", [](TRngStream& s, TVec& v) { s.RandomBinomial(v, 2000000000, 1 - 1e-6); },
+       2e9 * (1 - 1e-6), 2e9 * (1 - 1e-6) * 1e-6},
+      {"poisson 1e12", [](TRngStream& s, TVec& v) { s.RandomPoisson(v, 1e12); }, 1e12, 1e12},
+      {"hypergeometric 2e9, 1e9, 1e6",
+       [](TRngStream& s, TVec& v) { s.RandomHypergeometric(v, 2000000000, 1000000000, 1000000); }, 5e5,
+       1e6 * 0.25 * (2e9 - 1e6) / (2e9 - 1)},
+      {"negative binomial with a large mean", [](TRngStream& s, TVec& v) { s.RandomNegbinomial(v, 1e4, 1e-3); },
+       1e4 * 0.999 / 1e-3, 1e4 * 0.999 / 1e-6},
+  };
+  const int n = 100000;
+  for (const auto& t : table) {
+    SCOPED_TRACE(t.what);
+    TRandomGenerator g;
+    g.Init(rgPhilox4x32, 17);
+    TVec v;
+    v.Size(n);
+    t.fill(g.GetStream(0), v);
+    double mean = v.Mean(), sd = v.StdDev();
+    for (double x : v) ASSERT_EQ(x, std::floor(x));
+    EXPECT_LE(std::fabs(mean - t.mean), 5 * std::sqrt(t.variance / n));
+    EXPECT_LE(std::fabs(sd * sd - t.variance), 5 * std::sqrt(2.0 / n) * t.variance);
+  }
+}
+
+using StreamFill = std::function<void(TRngStream&, TVec&, const std::vector<double>&)>;
+
+TEST(RandomStreams, MillionDrawsFitTheirLaw) {
+  const std::map<std::string, StreamFill> laws = {
+      {"Stream.GaussianBoxMuller", [](auto& s, auto& v, auto& p) { s.RandomGaussian(v, p[0], p[1], gmBoxMuller); }},
+      {"Stream.Exponential", [](auto& s, auto& v, auto& p) { s.RandomExponential(v, p[0], p[1]); }},
+      {"Stream.Weibull", [](auto& s, auto& v, auto& p) { s.RandomWeibull(v, p[0], p[1], p[2]); }},
+      {"Stream.Rayleigh", [](auto& s, auto& v, auto& p) { s.RandomRayleigh(v, p[0], p[1]); }},
+      {"Stream.Cauchy", [](auto& s, auto& v, auto& p) { s.RandomCauchy(v, p[0], p[1]); }},
+      {"Stream.Laplace", [](auto& s, auto& v, auto& p) { s.RandomLaplace(v, p[0], p[1]); }},
+      {"Stream.NegBinomial", [](auto& s, auto& v, auto& p) { s.RandomNegbinomial(v, p[0], p[1]); }},
+      {"Stream.Binomial", [](auto& s, auto& v, auto& p) { s.RandomBinomial(v, int(p[0]), p[1]); }},
+      {"Stream.Poisson", [](auto& s, auto& v, auto& p) { s.RandomPoisson(v, p[0]); }},
+      {"Stream.Hypergeometric",
+       [](auto& s, auto& v, auto& p) { s.RandomHypergeometric(v, int(p[0]), int(p[1]), int(p[2])); }},
+  };
+  int checked = 0;
+  for (const auto& r : test::LoadFixture("random_variates.txt")) {
+    auto it = laws.find(r.Str("law"));
+    if (it == laws.end()) continue;
+    auto p = r.Nums("params");
+    SCOPED_TRACE(r.Str("law") + " " + ::testing::PrintToString(p));
+    TRandomGenerator g;
+    g.Init(rgPhilox4x32, static_cast<int>(r.Num("seed")));
+    TVec x;
+    x.Size(1000000);
+    it->second(g.GetStream(0), x, p);
+    test::ExpectGoodFit(x, r, test::MomentsOf(r));
+    ++checked;
+  }
+  EXPECT_EQ(checked, 14);
+}
+
+}  // namespace
+}  // namespace statkit

@@ -1,0 +1,352 @@
+// The random-variate procedures: their checks and messages, the draws they take
+// from the process-wide generator, reproducibility, the shape of Results, the
+// degenerate parameters, and the distribution of 10^6 values at two or more
+// settings of every law against SciPy's (chi-square on the fixture's cells,
+// moments within five standard errors).
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "statkit/Statistics.h"
+#include "support/expect.h"
+#include "support/fixture.h"
+#include "support/goodness_of_fit.h"
+
+namespace statkit::Statistics {
+namespace {
+
+using Fill = std::function<void(TDenseKalpa&)>;
+
+TVec complexVec() {
+  TVec v;
+  v.Size(4, true);
+  return v;
+}
+
+// The n-th draw (from 0) of the process-wide generator after RandSeed(seed).
+double nthDraw(std::uint32_t seed, int n) {
+  RandSeed(seed);
+  for (int i = 0; i < n; ++i) Random();
+  return Random();
+}
+
+struct BadCall {
+  const char* what;
+  std::function<void()> call;
+  const char* message;
+  int draws;  // process-wide draws made before the error
+};
+
+TEST(RandomVariates, EveryBadCallRaisesItsExactMessage) {
+  TVec r(std::vector<double>(5, 0.0)), c = complexVec();
+  const double nan = NAN;
+  const BadCall table[] = {
+      {"beta shape 0", [&] { RandomBeta(0, 1, r); }, "RandomBeta: (A<=0) or (B<=)", 0},
+      {"beta shape NaN", [&] { RandomBeta(1, nan, r); }, "RandomBeta: (A<=0) or (B<=)", 0},
+      {"beta complex", [&] { RandomBeta(1, 1, c); }, "RandomBeta: Results.Complex=true", 0},
+      {"beta infinite shape", [&] { RandomBeta(INF, 1, r); }, "RandomBeta : RandomGamma : Invalid parameter", 0},
+      {"binom p above 1", [&] { RandomBinom(10, 1.5, r); }, "RandomBinom: (p < 0) or ( p > 1)", 0},
+      {"binom p NaN", [&] { RandomBinom(10, nan, r); }, "RandomBinom: (p < 0) or ( p > 1)", 0},
+      {"binom complex", [&] { RandomBinom(10, 0.5, c); }, "RandomBinom: Results.Complex=true", 0},
+      {"binom negative trials", [&] { RandomBinom(-1, 0.5, r); }, "RandomBinom : Invalid parameter", 1},
+      {"cauchy complex", [&] { RandomCauchy(0, 1, c); }, "RandomCauchy: Results.Complex=true", 0},
+      {"cauchy negative scale", [&] { RandomCauchy(0, -1, r); }, "RandomCauchy : Invalid parameter", 1},
+      {"chi-square complex", [&] { RandomChiSquare(3, c); }, "RandomChiSquare : Results.Complex=true", 0},
+      {"chi-square nu 0", [&] { RandomChiSquare(0, r); }, "RandomChiSquare : RandomGamma: A<=0 or B<=0 ", 0},
+      {"exponent mu 0", [&] { RandomExponent(0, r); }, "RandomExponent: mu <= 0!", 0},
+      {"exponent mu NaN", [&] { RandomExponent(nan, r); }, "RandomExponent: mu <= 0!", 0},
+      {"exponent complex", [&] { RandomExponent(1, c); }, "RandomExponent : Results.Complex=true", 0},
+      {"exponent infinite mu", [&] { RandomExponent(INF, r); }, "RandomExponent : Invalid parameter", 1},
+      {"F nu1 0", [&] { RandomF(0, 3, r); }, "RandomF:(ANu1<=0) or (ANu2<=0)", 0},
+      {"F nu2 negative", [&] { RandomF(3, -1, r); }, "RandomF:(ANu1<=0) or (ANu2<=0)", 0},
+      {"F complex", [&] { RandomF(3, 4, c); }, "RandomF : Results.Complex=true", 0},
+      {"gamma shape negative", [&] { RandomGamma(-1, 1, r); }, "RandomGamma: A<=0 or B<=0 ", 0},
+      {"gamma scale 0", [&] { RandomGamma(1, 0, r); }, "RandomGamma: A<=0 or B<=0 ", 0},
+      {"gamma shape NaN", [&] { RandomGamma(nan, 1, r); }, "RandomGamma: A<=0 or B<=0 ", 0},
+      {"gamma complex", [&] { RandomGamma(2, 1, c); }, "RandomGamma : Results.Complex=true", 0},
+      {"gamma infinite shape", [&] { RandomGamma(INF, 1, r); }, "RandomGamma : Invalid parameter", 0},
+      {"gamma 1 infinite scale", [&] { RandomGamma(1, INF, r); },
+       "RandomGamma : RandomExponent : Invalid parameter", 1},
+      {"geometric p 1", [&] { RandomGeometric(1, r); }, "RandomGeometric: (p < 0 ) or (p >= 1)", 0},
+      {"geometric p negative", [&] { RandomGeometric(-0.1, r); }, "RandomGeometric: (p < 0 ) or (p >= 1)", 0},
+      {"geometric p NaN", [&] { RandomGeometric(nan, r); }, "RandomGeometric: (p < 0 ) or (p >= 1)", 0},
+      {"geometric complex", [&] { RandomGeometric(0.5, c); }, "RandomGeometric : Results.Complex=true", 0},
+      {"hypgeometric N > M + K", [&] { RandomHypGeometric(5, 3, 9, r); },
+       "RandomHypGeometric : RandomHypGeometric: N > M + K", 0},
+      {"hypgeometric complex", [&] { RandomHypGeometric(5, 3, 2, c); },
+       "RandomHypGeometric : RandomHypGeometric : Results.Complex=true", 0},
+      {"hypgeometric sample above population", [&] { RandomHypGeometric(5, 3, 8, r); },
+       "RandomHypGeometric : Invalid parameter", 1},
+      {"hypgeometric marked above population", [&] { RandomHypGeometric(5, 6, 2, r); },
+       "RandomHypGeometric : Invalid parameter", 1},
+      {"laplace negative scale", [&] { RandomLaplace(0, -1, r); }, "RandomLaplace: b < 0", 0},
+      {"laplace complex", [&] { RandomLaplace(0, 1, c); }, "RandomLaplace : Results.Complex=true", 0},
+      {"lognormal negative sigma", [&] { RandomLogNormal(0, -1, r); }, "RandomLogNormal: sigma < 0", 0},
+      {"lognormal complex", [&] { RandomLogNormal(0, 1, c); }, "RandomLogNormal : Results.Complex=true", 0},
+      {"negbinom p 1", [&] { RandomNegBinom(3, 1, r); }, "RandomNegBinom: (p < 0 ) or (p >= 1)", 0},
+      {"negbinom r 0", [&] { RandomNegBinom(0, 0.5, r); }, "RandomNegBinom: (p < 0 ) or (p >= 1)", 0},
+      {"negbinom complex", [&] { RandomNegBinom(3, 0.5, c); }, "RandomNegBinom : Results.Complex=true", 0},
+      {"normal negative sigma", [&] { RandomNormal(0, -1, r); }, "RandomNormal: sigma < 0", 0},
+      {"normal sigma NaN", [&] { RandomNormal(0, nan, r); }, "RandomNormal: sigma < 0", 0},
+      {"normal check before complex", [&] { RandomNormal(0, -1, c); }, "RandomNormal: sigma < 0", 0},
+      {"normal complex", [&] { RandomNormal(0, 1, c); }, "RandomNormal : Results.Complex=true", 0},
+      {"normal infinite mean", [&] { RandomNormal(INF, 1, r); }, "RandomNormal : Invalid parameter", 1},
+      {"poisson lambda 0", [&] { RandomPoisson(0, r); }, "RandomPoisson: lambda <= 0", 0},
+      {"poisson complex", [&] { RandomPoisson(1, c); }, "RandomPoisson : Results.Complex=true", 0},
+      {"poisson infinite lambda", [&] { RandomPoisson(INF, r); }, "RandomPoisson : Invalid parameter", 1},
+      {"rayleigh complex", [&] { RandomRayleigh(1, c); }, "RandomRayleigh : Results.Complex=true", 0},
+      {"rayleigh negative scale", [&] { RandomRayleigh(-1, r); }, "RandomRayleigh : Invalid parameter", 1},
+      {"student v 0", [&] { RandomStudent(0, r); }, "RandomStudent: v <= 0", 0},
+      {"student complex", [&] { RandomStudent(3, c); }, "RandomStudent : Results.Complex=true", 0},
+      {"triangular a > b", [&] { RandomTriangular(2, 1, 1.5, r); }, "RandomTriangular: a > b", 0},
+      {"triangular a > b first", [&] { RandomTriangular(2, 1, 5, r); }, "RandomTriangular: a > b", 0},
+      {"triangular c above b", [&] { RandomTriangular(0, 1, 2, r); }, "RandomTriangular: (c>b) or (c<a)", 0},
+      {"triangular c below a", [&] { RandomTriangular(0, 1, -1, r); }, "RandomTriangular: (c>b) or (c<a)", 0},
+      {"triangular complex", [&] { RandomTriangular(0, 1, 0.5, c); }, "RandomTriangular : Results.Complex=true", 0},
+      {"triangular NaN", [&] { RandomTriangular(nan, 1, 0.5, r); }, "RandomTriangular : Invalid parameter", 1},
+      {"uniform a > b", [&] { RandomUniform(2, 1, r); }, "RandomUniform: a > b", 0},
+      {"uniform complex", [&] { RandomUniform(0, 1, c); }, "RandomUniform : Results.Complex=true", 0},
+      {"uniform NaN", [&] { RandomUniform(nan, 1, r); }, "RandomUniform : Invalid parameter", 1},
+      {"uniformD N negative", [&] { RandomUniformD(-1, r); }, "RandomUniformD: N < 0", 0},
+      {"uniformD complex", [&] { RandomUniformD(3, c); }, "RandomUniformD : Results.Complex=true", 0},
+      {"weibull a 0", [&] { RandomWeibull(0, 1, r); }, "RandomWeibull: (a<=0) or (b<=0)", 0},
+      {"weibull b NaN", [&] { RandomWeibull(1, nan, r); }, "RandomWeibull: (a<=0) or (b<=0)", 0},
+      {"weibull complex", [&] { RandomWeibull(1, 1, c); }, "RandomWeibull : Results.Complex=true", 0},
+  };
+  for (const auto& t : table) {
+    SCOPED_TRACE(t.what);
+    test::PoolBalance balance;
+    RandSeed(77);
+    EXPECT_RAISES(t.call(), t.message);
+    double next = Random();
+    EXPECT_EQ(next, nthDraw(77, t.draws)) << "process-wide draws before the error";
+  }
+}
+
+struct GoodCall {
+  const char* what;
+  Fill fill;
+  int draws;
+};
+
+// One call of every procedure (and of every path inside one), with the number
+// of process-wide draws it takes: one per generator it seeds.
+std::vector<GoodCall> goodCalls() {
+  return {
+      {"beta", [](TDenseKalpa& r) { RandomBeta(2, 3, r); }, 2},
+      {"beta small shapes", [](TDenseKalpa& r) { RandomBeta(0.3, 2, r); }, 2},
+      {"binom", [](TDenseKalpa& r) { RandomBinom(30, 0.6, r); }, 1},
+      {"cauchy", [](TDenseKalpa& r) { RandomCauchy(1, 2, r); }, 1},
+      {"chi-square", [](TDenseKalpa& r) { RandomChiSquare(5, r); }, 1},
+      {"chi-square 2 (exponential)", [](TDenseKalpa& r) { RandomChiSquare(2, r); }, 1},
+      {"exponent", [](TDenseKalpa& r) { RandomExponent(2, r); }, 1},
+      {"F", [](TDenseKalpa& r) { RandomF(4, 9, r); }, 2},
+      {"gamma shape above 1", [](TDenseKalpa& r) { RandomGamma(2.5, 1, r); }, 1},
+      {"gamma shape 1", [](TDenseKalpa& r) { RandomGamma(1, 2, r); }, 1},
+      {"gamma shape below 1", [](TDenseKalpa& r) { RandomGamma(0.5, 2, r); }, 1},
+      {"geometric", [](TDenseKalpa& r) { RandomGeometric(0.2, r); }, 1},
+      {"geometric p 0", [](TDenseKalpa& r) { RandomGeometric(0, r); }, 1},
+      {"hypgeometric", [](TDenseKalpa& r) { RandomHypGeometric(40, 12, 9, r); }, 1},
+      {"laplace", [](TDenseKalpa& r) { RandomLaplace(1, 2, r); }, 1},
+      {"lognormal", [](TDenseKalpa& r) { RandomLogNormal(0, 1, r); }, 1},
+      {"negbinom", [](TDenseKalpa& r) { RandomNegBinom(3, 0.4, r); }, 1},
+      {"normal", [](TDenseKalpa& r) { RandomNormal(1, 2, r); }, 1},
+      {"poisson", [](TDenseKalpa& r) { RandomPoisson(40, r); }, 1},
+      {"rayleigh", [](TDenseKalpa& r) { RandomRayleigh(2, r); }, 1},
+      {"student 1", [](TDenseKalpa& r) { RandomStudent(1, r); }, 1},
+      {"student 2", [](TDenseKalpa& r) { RandomStudent(2, r); }, 1},
+      {"student 3", [](TDenseKalpa& r) { RandomStudent(3, r); }, 2},
+      {"triangular", [](TDenseKalpa& r) { RandomTriangular(0, 2, 0.5, r); }, 1},
+      {"uniform", [](TDenseKalpa& r) { RandomUniform(-1, 1, r); }, 1},
+      {"uniformD", [](TDenseKalpa& r) { RandomUniformD(9, r); }, 1},
+      {"weibull", [](TDenseKalpa& r) { RandomWeibull(1, 2, r); }, 1},
+  };
+}
+
+TEST(RandomVariates, DrawsPerGeneratorShapeAndReproducibility) {
+  for (const auto& t : goodCalls()) {
+    SCOPED_TRACE(t.what);
+    test::PoolBalance balance;
+    // A 3 x 5 matrix keeps its shape and every element is written.
+    TMtx first(3, 5), again(3, 5);
+    first.SetVal(NAN);
+    RandSeed(2024);
+    t.fill(first);
+    double next = Random();
+    EXPECT_EQ(next, nthDraw(2024, t.draws)) << "process-wide draws";
+    EXPECT_EQ(first.Rows(), 3);
+    EXPECT_EQ(first.Cols(), 5);
+    for (int i = 0; i < first.Length(); ++i) EXPECT_FALSE(IsNan(first.data()[i])) << "element " << i;
+    // The same process-wide state gives the same values.
+    RandSeed(2024);
+    t.fill(again);
+    for (int i = 0; i < first.Length(); ++i) EXPECT_EQ(std::bit_cast<std::uint64_t>(first.data()[i]),
+                                                       std::bit_cast<std::uint64_t>(again.data()[i]));
+    // An empty Results is accepted, stays empty and still seeds its generators.
+    TVec empty;
+    RandSeed(2024);
+    t.fill(empty);
+    EXPECT_EQ(empty.Length(), 0);
+    next = Random();
+    EXPECT_EQ(next, nthDraw(2024, t.draws));
+  }
+}
+
+TEST(RandomVariates, DegenerateParametersGiveTheirLimit) {
+  struct Case {
+    const char* what;
+    Fill fill;
+    double value;
+  } table[] = {
+      {"normal sigma 0", [](TDenseKalpa& r) { RandomNormal(2.5, 0, r); }, 2.5},
+      {"lognormal sigma 0", [](TDenseKalpa& r) { RandomLogNormal(0.7, 0, r); }, std::exp(0.7)},
+      {"laplace b 0", [](TDenseKalpa& r) { RandomLaplace(-1, 0, r); }, -1},
+      {"cauchy b 0", [](TDenseKalpa& r) { RandomCauchy(4, 0, r); }, 4},
+      {"rayleigh b 0", [](TDenseKalpa& r) { RandomRayleigh(0, r); }, 0},
+      {"uniform a = b", [](TDenseKalpa& r) { RandomUniform(3, 3, r); }, 3},
+      {"triangular a = b", [](TDenseKalpa& r) { RandomTriangular(2, 2, 2, r); }, 2},
+      {"binom p 0", [](TDenseKalpa& r) { RandomBinom(7, 0, r); }, 0},
+      {"binom p 1", [](TDenseKalpa& r) { RandomBinom(7, 1, r); }, 7},
+      {"binom n 0", [](TDenseKalpa& r) { RandomBinom(0, 0.4, r); }, 0},
+      {"geometric p 0", [](TDenseKalpa& r) { RandomGeometric(0, r); }, INF},
+      {"negbinom p 0", [](TDenseKalpa& r) { RandomNegBinom(2, 0, r); }, INF},
+      {"negbinom mean beyond the doubles", [](TDenseKalpa& r) { RandomNegBinom(2, 1e-320, r); }, INF},
+      {"uniformD N 0", [](TDenseKalpa& r) { RandomUniformD(0, r); }, 0},
+      {"uniformD N 1", [](TDenseKalpa& r) { RandomUniformD(1, r); }, 1},
+      {"hypgeometric N = M + K, no marked item", [](TDenseKalpa& r) { RandomHypGeometric(5, 0, 5, r); }, 0},
+      {"hypgeometric all marked", [](TDenseKalpa& r) { RandomHypGeometric(5, 5, 3, r); }, 3},
+      {"hypgeometric whole population", [](TDenseKalpa& r) { RandomHypGeometric(7, 3, 7, r); }, 3},
+      {"hypgeometric near INT_MAX", [](TDenseKalpa& r) { RandomHypGeometric(2147483647, 2147483647, 5, r); }, 5},
+  };
+  for (const auto& t : table) {
+    SCOPED_TRACE(t.what);
+    TVec r(std::vector<double>(1000, NAN));
+    t.fill(r);
+    for (double x : r) ASSERT_EQ(x, t.value);
+  }
+}
+
+TEST(RandomVariates, GammaShapeOneIsTheExponential) {
+  TVec g(std::vector<double>(500, 0.0)), e(std::vector<double>(500, 0.0)), c(std::vector<double>(500, 0.0));
+  RandSeed(5);
+  RandomGamma(1.0, 3.0, g);
+  RandSeed(5);
+  RandomExponent(3.0, e);
+  RandSeed(5);
+  RandomChiSquare(2, c);  // shape 1, scale 2
+  for (int i = 0; i < 500; ++i) {
+    EXPECT_EQ(g[i], e[i]);
+    // The same stream scaled by 2 instead of 3: apart only by the roundings of the two scalings.
+    EXPECT_REL(c[i], e[i] * (2.0 / 3.0), 4 * test::kEps);
+  }
+}
+
+// Values whose naive formulas underflow or round: gamma and beta shapes near
+// 0 (a beta from two gammas that both underflow would be 0/0), a geometric p
+// below the rounding of 1 - p, and the extreme laws of large parameters.
+TEST(RandomVariates, ExtremeParametersStayInTheSupport) {
+  const int n = 200000;
+  TVec r(std::vector<double>(n, 0.0));
+  RandSeed(11);
+  RandomBeta(1e-3, 1e-3, r);
+  int low = 0;
+  for (double x : r) {
+    ASSERT_TRUE(x >= 0.0 && x <= 1.0) << x;
+    low += x < 0.5;
+  }
+  // Symmetric shapes: P(X < 1/2) = 1/2, within five binomial standard errors.
+  EXPECT_LE(std::fabs(low - n / 2.0), 5.0 * std::sqrt(n / 4.0));
+
+  RandomGamma(1e-3, 1.0, r);
+  for (double x : r) ASSERT_TRUE(x >= 0.0 && std::isfinite(x)) << x;
+
+  RandomGeometric(1e-17, r);
+  double mean = 0.0;
+  for (double x : r) {
+    ASSERT_TRUE(x >= 0.0 && std::isfinite(x) && x == std::trunc(x)) << x;
+    mean += x / n;
+  }
+  // Mean (1 - p)/p = 1e17 with standard deviation 1e17: five standard errors.
+  EXPECT_LE(std::fabs(mean - 1e17), 5.0 * 1e17 / std::sqrt(n));
+}
+
+// The laws and statkit's moments of the fixture's records named after a procedure.
+struct Law {
+  std::function<void(TDenseKalpa&, const std::vector<double>&)> fill;
+  std::function<void(const std::vector<double>&, double&, double&)> moments;  // empty: no MV function
+};
+
+const std::map<std::string, Law>& laws() {
+  static const std::map<std::string, Law> table = {
+      {"RandomBeta", {[](auto& r, auto& p) { RandomBeta(p[0], p[1], r); },
+                      [](auto& p, double& m, double& v) { MVBeta(p[0], p[1], m, v); }}},
+      {"RandomBinom", {[](auto& r, auto& p) { RandomBinom(int(p[0]), p[1], r); },
+                       [](auto& p, double& m, double& v) { MVBinom(int(p[0]), p[1], m, v); }}},
+      {"RandomCauchy", {[](auto& r, auto& p) { RandomCauchy(p[0], p[1], r); }, {}}},
+      {"RandomChiSquare", {[](auto& r, auto& p) { RandomChiSquare(int(p[0]), r); },
+                           [](auto& p, double& m, double& v) { MVChiSquare(int(p[0]), m, v); }}},
+      {"RandomExponent", {[](auto& r, auto& p) { RandomExponent(p[0], r); },
+                          [](auto& p, double& m, double& v) { MVExponent(p[0], m, v); }}},
+      {"RandomF", {[](auto& r, auto& p) { RandomF(int(p[0]), int(p[1]), r); },
+                   [](auto& p, double& m, double& v) { MVF(int(p[0]), int(p[1]), m, v); }}},
+      {"RandomGamma", {[](auto& r, auto& p) { RandomGamma(p[0], p[1], r); },
+                       [](auto& p, double& m, double& v) { MVGamma(p[0], p[1], m, v); }}},
+      {"RandomGeometric", {[](auto& r, auto& p) { RandomGeometric(p[0], r); },
+                           [](auto& p, double& m, double& v) { MVGeometric(p[0], m, v); }}},
+      {"RandomHypGeometric",
+       {[](auto& r, auto& p) { RandomHypGeometric(int(p[0]), int(p[1]), int(p[2]), r); },
+        [](auto& p, double& m, double& v) { MVHypGeometric(int(p[0]), int(p[1]), int(p[2]), m, v); }}},
+      {"RandomLaplace", {[](auto& r, auto& p) { RandomLaplace(p[0], p[1], r); }, {}}},
+      {"RandomLogNormal", {[](auto& r, auto& p) { RandomLogNormal(p[0], p[1], r); }, {}}},
+      {"RandomNegBinom", {[](auto& r, auto& p) { RandomNegBinom(int(p[0]), p[1], r); },
+                          [](auto& p, double& m, double& v) { MVNegBinom(int(p[0]), p[1], m, v); }}},
+      {"RandomNormal", {[](auto& r, auto& p) { RandomNormal(p[0], p[1], r); },
+                        [](auto& p, double& m, double& v) { MVNormal(p[0], p[1], m, v); }}},
+      {"RandomPoisson", {[](auto& r, auto& p) { RandomPoisson(p[0], r); },
+                         [](auto& p, double& m, double& v) { MVPoisson(p[0], m, v); }}},
+      {"RandomRayleigh", {[](auto& r, auto& p) { RandomRayleigh(p[0], r); },
+                          [](auto& p, double& m, double& v) { MVRayleigh(p[0], m, v); }}},
+      {"RandomStudent", {[](auto& r, auto& p) { RandomStudent(int(p[0]), r); },
+                         [](auto& p, double& m, double& v) { MVStudent(int(p[0]), m, v); }}},
+      {"RandomTriangular", {[](auto& r, auto& p) { RandomTriangular(p[0], p[1], p[2], r); }, {}}},
+      {"RandomUniform", {[](auto& r, auto& p) { RandomUniform(p[0], p[1], r); },
+                         [](auto& p, double& m, double& v) { MVUniform(p[0], p[1], m, v); }}},
+      {"RandomUniformD", {[](auto& r, auto& p) { RandomUniformD(int(p[0]), r); },
+                          [](auto& p, double& m, double& v) { MVUniformD(int(p[0]), m, v); }}},
+      {"RandomWeibull", {[](auto& r, auto& p) { RandomWeibull(p[0], p[1], r); },
+                         [](auto& p, double& m, double& v) { MVWeibull(p[0], p[1], m, v); }}},
+  };
+  return table;
+}
+
+TEST(RandomVariates, MillionDrawsFitTheirLaw) {
+  int checked = 0;
+  for (const auto& r : test::LoadFixture("random_variates.txt")) {
+    auto it = laws().find(r.Str("law"));
+    if (it == laws().end()) continue;  // a stream method, checked with the streams
+    auto p = r.Nums("params");
+    SCOPED_TRACE(r.Str("law") + " " + ::testing::PrintToString(p));
+    TVec x(std::vector<double>(1000000, 0.0));
+    RandSeed(static_cast<std::uint32_t>(r.Num("seed")));
+    it->second.fill(x, p);
+    std::optional<double> mean, var;
+    if (it->second.moments) {
+      double m, v;
+      it->second.moments(p, m, v);
+      if (!IsNan(m)) mean = m;
+      if (!IsNan(v)) var = v;
+    }
+    test::ExpectGoodFit(x, r, test::MomentsOf(r, mean, var));
+    ++checked;
+  }
+  EXPECT_EQ(checked, 47);
+}
+
+}  // namespace
+}  // namespace statkit::Statistics
