@@ -3,13 +3,14 @@
 // roots as eigenvalues of the balanced companion matrix.
 //
 // Eigen 3.4 factorises over our row-major storage. Eigen reports no failure of
-// LU or QR, so the checks are ours: LU is singular when a pivot is zero or the
-// estimated reciprocal condition number is below epsilon (the rule of R's
-// solve()); QR when a diagonal element of R is below max(m, n) eps times the
-// norm of its column (the rank tolerance of numpy.linalg.matrix_rank, after
-// Golub & Van Loan). Residuals of refinement steps are accumulated in long
-// double (Wilkinson, Rounding Errors in Algebraic Processes, 1963); least
-// squares refines the augmented system (Bjorck, BIT 7, 1967).
+// LU or QR, so the checks are ours. LU is singular when a pivot is zero or the
+// estimated reciprocal condition number of the equilibrated matrix is below
+// epsilon (the rule of R's solve(), with units left out); QR when a diagonal
+// element of R is below max(m, n) eps times the norm of its column (the rank
+// tolerance of numpy.linalg.matrix_rank, after Golub & Van Loan). Residuals of
+// refinement steps are accumulated in long double (Wilkinson, Rounding Errors
+// in Algebraic Processes, 1963); least squares refines the augmented system
+// (Bjorck, BIT 7, 1967).
 
 // Eigen 3.4's triangular matrix-vector kernel trips a false -Wmaybe-uninitialized
 // under g++ 12 (the buffer is written before it is read).
@@ -218,40 +219,63 @@ bool finitePositiveDiagonal(const RMat& l) {
   return true;
 }
 
+// A power of two near 1/x (near 1/sqrt(x) when \p root), 1 unless x > 0 is
+// finite; clamped so that it stays finite. Scaling by it is exact.
+double reciprocalPowerOfTwo(double x, bool root = false) {
+  if (!(x > 0.0 && std::isfinite(x))) return 1.0;
+  const int e = std::ilogb(x);
+  return std::ldexp(1.0, -std::clamp(root ? e / 2 : e, -1022, 1023));
+}
+
 // One factorisation of a square matrix, solved against any right-hand side:
 // Cholesky for the positive definite kinds, a triangular solve for the
 // triangular kind, LU with partial pivoting otherwise.
+//
+// LU and Cholesky factor the equilibrated matrix diag(r) a diag(c), with
+// powers of two as r and c (LAPACK's dgeequ and dpoequ; the scaling is exact).
+// The reciprocal condition estimate then ignores the units of the variables:
+// unscaled, the cross-product matrix of NIST's Pontius design (cond 2e26)
+// would count as singular, equilibrated its condition is 446.
 class SquareSolver {
 public:
   SquareSolver(SquareOperand s, TMtxType kind) : a_(std::move(s.a)), form_(s.form) {
+    const Eigen::Index n = a_.rows();
+    rowScale_.setOnes(n), colScale_.setOnes(n);
+    if (kind == mtTriangular) {
+      // A zero on the diagonal is singular, as LAPACK's dtrtrs and R's backsolve decide.
+      method_ = Method::triangular;
+      for (Eigen::Index i = 0; i < n; ++i)
+        if (a_(i, i) == 0.0) ERaise(msg::SingularMatrix);
+      return;
+    }
     if (isPositiveDefiniteKind(kind)) {
       method_ = Method::cholesky;
-      llt_.compute(a_);
+      for (Eigen::Index i = 0; i < n; ++i) rowScale_(i) = reciprocalPowerOfTwo(a_(i, i), true);
+      colScale_ = rowScale_;
+      llt_.compute(rowScale_.asDiagonal() * a_ * colScale_.asDiagonal());
       if (llt_.info() != Eigen::Success || !finitePositiveDiagonal(llt_.matrixLLT()))
         ERaise(msg::NotPositiveDefinite);
       if (llt_.rcond() < kEps) ERaise(msg::SingularMatrix);
-    } else if (kind == mtTriangular) {
-      // A zero on the diagonal is singular, as LAPACK's dtrtrs and R's backsolve decide.
-      method_ = Method::triangular;
-      for (Eigen::Index i = 0; i < a_.rows(); ++i)
-        if (a_(i, i) == 0.0) ERaise(msg::SingularMatrix);
-    } else {
-      method_ = Method::lu;
-      lu_.compute(a_);
-      const RMat& u = lu_.matrixLU();
-      for (Eigen::Index i = 0; i < u.rows(); ++i)
-        if (u(i, i) == 0.0) ERaise(msg::SingularMatrix);
-      if (lu_.rcond() < kEps) ERaise(msg::SingularMatrix);
+      return;
     }
+    method_ = Method::lu;
+    for (Eigen::Index i = 0; i < n; ++i) rowScale_(i) = reciprocalPowerOfTwo(a_.row(i).cwiseAbs().maxCoeff());
+    for (Eigen::Index j = 0; j < n; ++j)
+      colScale_(j) = reciprocalPowerOfTwo((rowScale_.asDiagonal() * a_.col(j)).cwiseAbs().maxCoeff());
+    lu_.compute(rowScale_.asDiagonal() * a_ * colScale_.asDiagonal());
+    const RMat& u = lu_.matrixLU();
+    for (Eigen::Index i = 0; i < n; ++i)
+      if (u(i, i) == 0.0) ERaise(msg::SingularMatrix);
+    if (lu_.rcond() < kEps) ERaise(msg::SingularMatrix);
   }
 
   RMat solve(const RMat& b) const {
     switch (method_) {
-      case Method::cholesky: return llt_.solve(b);
       case Method::triangular:
         if (form_ == tfLower) return a_.triangularView<Eigen::Lower>().solve(b);
         return a_.triangularView<Eigen::Upper>().solve(b);
-      default: return lu_.solve(b);
+      case Method::cholesky: return colScale_.asDiagonal() * llt_.solve(rowScale_.asDiagonal() * b);
+      default: return colScale_.asDiagonal() * lu_.solve(rowScale_.asDiagonal() * b);
     }
   }
 
@@ -265,6 +289,7 @@ private:
   RMat a_;
   TTriangleForm form_;
   Method method_ = Method::lu;
+  Eigen::VectorXd rowScale_, colScale_;
   Eigen::PartialPivLU<RMat> lu_;
   Eigen::LLT<RMat> llt_;
 };
@@ -502,7 +527,7 @@ void TMtx::LQRSolve(const TVec& B, TVec& X, TMtx* R, TMtxOperation Op) const try
   RMat triangle;
   if (R) triangle = ls.triangularFactor();
   store(X, RMat(x));
-  if (R) store(*R, triangle);
+  if (R) store(*R, triangle), R->SetTriangleForm(tfUpper);
 } catch (const std::bad_alloc&) {
   ERaise(msg::OutOfMemory);
 }
@@ -518,6 +543,7 @@ void TMtx::LQR(TMtx& Q, TMtx& R, bool) const try {
   RMat r = qr.matrixQR().topRows(k).triangularView<Eigen::Upper>();
   store(Q, q);
   store(R, r);
+  R.SetTriangleForm(tfUpper);
 } catch (const std::bad_alloc&) {
   ERaise(msg::OutOfMemory);
 }
@@ -565,6 +591,7 @@ void TMtx::Cholesky() try {
   RMat l = llt.matrixL();
   if (llt.info() != Eigen::Success || !finitePositiveDiagonal(l)) ERaise(msg::NotPositiveDefinite);
   store(*this, l);
+  SetTriangleForm(tfLower);
 } catch (const std::bad_alloc&) {
   ERaise(msg::OutOfMemory);
 }

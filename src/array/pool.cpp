@@ -94,6 +94,10 @@ void Release(TVec*& v) noexcept {
 
 void Release(TMtx*& m) noexcept {
   if (!m) return;
+  // The solver options belong to the user, not to the storage: the next user
+  // of this object starts from the defaults (factorisations mark their
+  // triangular outputs, and a stale form would solve with the wrong triangle).
+  m->SetTriangleForm(tfLower), m->SetTriangleUnit(false), m->SetRefineSolution(false);
   matrices().Release(m);
   m = nullptr;
   outstanding.fetch_sub(1, std::memory_order_relaxed);

@@ -464,28 +464,16 @@ TMtx::TMtx(std::initializer_list<std::initializer_list<double>> rows) {
   for (const auto& row : rows) d = std::copy(row.begin(), row.end(), d);
 }
 
-TMtx::TMtx(const TMtx& other) : TDenseKalpa() {
-  Size(other.rows_, other.cols_, other.Complex());
-  CopyElements(other);
-  triangleForm_ = other.triangleForm_;
-  triangleUnit_ = other.triangleUnit_;
-  refineSolution_ = other.refineSolution_;
-}
+TMtx::TMtx(const TMtx& other) : TDenseKalpa() { *this = other; }
 
-TMtx::TMtx(TMtx&& other) noexcept {
-  Steal(other);
-  rows_ = other.rows_;
-  cols_ = other.cols_;
-  fullRows_ = other.fullRows_;
-  fullCols_ = other.fullCols_;
-  triangleForm_ = other.triangleForm_;
-  triangleUnit_ = other.triangleUnit_;
-  refineSolution_ = other.refineSolution_;
-  other.rows_ = other.cols_ = 0;
-}
+TMtx::TMtx(TMtx&& other) noexcept { *this = std::move(other); }
 
+// A copy or a move carries the solver options with the elements.
 TMtx& TMtx::operator=(const TMtx& other) {
   Copy(other);
+  triangleForm_ = other.triangleForm_;
+  triangleUnit_ = other.triangleUnit_;
+  refineSolution_ = other.refineSolution_;
   return *this;
 }
 
@@ -496,6 +484,9 @@ TMtx& TMtx::operator=(TMtx&& other) noexcept {
     cols_ = other.cols_;
     fullRows_ = other.fullRows_;
     fullCols_ = other.fullCols_;
+    triangleForm_ = other.triangleForm_;
+    triangleUnit_ = other.triangleUnit_;
+    refineSolution_ = other.refineSolution_;
     other.rows_ = other.cols_ = 0;
   }
   return *this;

@@ -413,7 +413,8 @@ public:
   /// \brief Adds the outer product Vec1 Vec2' (conjugating Vec2 when \p ConjVec2) to Self.
   void AddTensorProd(const TVec& Vec1, const TVec& Vec2, bool ConjVec2 = false);
   /// \brief Inverts in place; raises "Singular matrix" (a zero pivot, or an estimated reciprocal
-  /// condition number below epsilon) or "Matrix is not positive definite" for the positive definite kinds.
+  /// condition number of the equilibrated matrix below epsilon) or "Matrix is not positive
+  /// definite" for the positive definite kinds.
   void Inv(TMtxType MtxType);
   using TDenseKalpa::Inv;
   /// \brief Solves op(Self) * X = B by LU decomposition (triangular solve for mtTriangular,
@@ -422,15 +423,17 @@ public:
   void LUSolve(const TMtx& B, TMtx& X, TMtxType MtxType = mtGeneral, TMtxOperation Op = opNone) const;
   /// \brief Least-squares solution of op(Self) * X = B by Householder QR, refined in long double
   /// (the minimum-norm solution when op(Self) has fewer rows than columns); \p R receives the
-  /// upper triangular factor (of op(Self)' in the minimum-norm case). Rank deficiency raises "Singular matrix".
+  /// upper triangular factor (of op(Self)' in the minimum-norm case; its TriangleForm becomes
+  /// tfUpper, so R.Inv(mtTriangular) inverts it). Rank deficiency raises "Singular matrix".
   void LQRSolve(const TVec& B, TVec& X, TMtx* R = nullptr, TMtxOperation Op = opNone) const;
-  /// \brief QR factorisation Self = Q R (Q with orthonormal columns, thin form).
+  /// \brief QR factorisation Self = Q R (Q with orthonormal columns, thin form; R's TriangleForm becomes tfUpper).
   void LQR(TMtx& Q, TMtx& R, bool = false) const;
   /// \brief Singular value decomposition Self = U diag(S) V', S descending; thin U and V
   /// (min(Rows, Cols) columns) when the flag is true, square otherwise.
   void SVD(TMtx& U, TVec& S, TMtx& V, bool = true) const;
   void SVD(TVec& S) const;
-  /// \brief Cholesky factor in place: Self = L L' with L lower triangular (the upper part zeroed).
+  /// \brief Cholesky factor in place: Self = L L' with L lower triangular (the upper part zeroed,
+  /// TriangleForm tfLower); reads the lower triangle.
   void Cholesky();
   /// \brief Options read by the solvers for mtTriangular matrices and refinement.
   void SetTriangleForm(TTriangleForm Form) { triangleForm_ = Form; }
