@@ -72,10 +72,14 @@ STATKIT_API double BinomCDF(double x, int N, double P);
 STATKIT_API double BinomCDFc(double x, int N, double P);
 STATKIT_API double BinomPDF(double x, int N, double P);
 STATKIT_API double PoissonCDF(double x, double Lambda);
+/// \brief P(X > floor(x)), computed directly.
+STATKIT_API double PoissonCDFc(double x, double Lambda);
 STATKIT_API double PoissonPDF(double x, double Lambda);
 /// \brief Smallest whole k with PoissonCDF(k) >= p.
 STATKIT_API double PoissonCDFInv(double p, double Lambda);
 STATKIT_API double NegBinomCDF(double x, int R, double P);
+/// \brief P(X > floor(x)), computed directly.
+STATKIT_API double NegBinomCDFc(double x, int R, double P);
 STATKIT_API double NegBinomPDF(double x, int R, double P);
 /// \brief Smallest whole k with NegBinomCDF(k) >= p.
 STATKIT_API double NegBinomCDFInv(double p, int R, double P);
