@@ -85,4 +85,20 @@ inline double IntervalLevel(THypothesisType hType, double Alpha) {
   return hType == Statistics::htTwoTailed ? 1.0 - 0.5 * Alpha : 1.0 - Alpha;
 }
 
+/// \brief The interval of a scale estimate (a standard deviation, a variance
+/// ratio) whose confidence limit at level p is \p limit(p, 1 - p), increasing
+/// in p; the complement is passed exactly (Alpha/2 or Alpha), not re-formed
+/// as 1 - p. Two-sided at Alpha/2 and 1 - Alpha/2; a right-tailed test reports
+/// the upper bound [0, limit(1 - Alpha)], a left-tailed test the lower bound
+/// [limit(Alpha), INF]: the one-sided intervals contain the estimate.
+template <class Limit>
+void WriteScaleInterval(double* ConfInt, THypothesisType hType, double Alpha, Limit&& limit) {
+  const double a = hType == Statistics::htTwoTailed ? 0.5 * Alpha : Alpha;
+  switch (hType) {
+    case Statistics::htRightTailed: WriteInterval(ConfInt, 0.0, limit(1.0 - a, a)); break;
+    case Statistics::htLeftTailed: WriteInterval(ConfInt, limit(a, 1.0 - a), INF); break;
+    default: WriteInterval(ConfInt, limit(a, 1.0 - a), limit(1.0 - a, a)); break;
+  }
+}
+
 }  // namespace statkit::core

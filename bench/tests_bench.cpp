@@ -1,0 +1,83 @@
+// Hypothesis tests at the sizes that decide their cost; bench/peer_tests.py
+// runs the same tests on the same data through SciPy.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numbers>
+
+#include "statkit/Statistics.h"
+
+namespace {
+using namespace statkit::Statistics;
+
+// SplitMix64 (Steele, Lea and Flood 2014) uniforms and one Box-Muller normal
+// per pair: a stream NumPy reproduces bit for bit in peer_tests.py.
+TVec normals(std::uint64_t seed, int n) {
+  auto uniform = [state = seed]() mutable {
+    std::uint64_t z = (state += 0x9E3779B97F4A7C15ull);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+    return (double((z ^ (z >> 31)) >> 11) + 0.5) * 0x1p-53;
+  };
+  TVec x;
+  x.Size(n);
+  for (int i = 0; i < n; ++i) {
+    const double u1 = uniform(), u2 = uniform();
+    x[i] = std::sqrt(-2.0 * std::log(u1)) * std::cos(2.0 * std::numbers::pi * u2);
+  }
+  return x;
+}
+
+void BM_ShapiroWilks5000(benchmark::State& state) {
+  TVec x = normals(1, 5000);
+  std::sort(x.data(), x.data() + x.Length());
+  THypothesisResult res;
+  double p;
+  for (auto _ : state) {
+    ShapiroWilks(x, res, p, htRightTailed, 0.05);
+    benchmark::DoNotOptimize(p);
+  }
+}
+BENCHMARK(BM_ShapiroWilks5000);
+
+void BM_tTestTwoSamples1e7(benchmark::State& state) {
+  const TVec x = normals(2, 10000000);
+  TVec y = normals(3, 10000000);
+  y.Add(0.001);
+  THypothesisResult res;
+  double p, ci[2];
+  for (auto _ : state) {
+    tTest(x, y, res, p, ci, false, htTwoTailed, 0.05);
+    benchmark::DoNotOptimize(p);
+  }
+}
+BENCHMARK(BM_tTestTwoSamples1e7)->Unit(benchmark::kMillisecond);
+
+void BM_SpearmanRankCorr1e6(benchmark::State& state) {
+  const TVec x = normals(4, 1000000);
+  TVec y = normals(5, 1000000);
+  y.Add(x);
+  THypothesisResult res;
+  double rs, p, ci[2];
+  for (auto _ : state) {
+    SpearmanRankCorr(x, y, rs, res, p, ci, htTwoTailed, 0.05);
+    benchmark::DoNotOptimize(p);
+  }
+}
+BENCHMARK(BM_SpearmanRankCorr1e6)->Unit(benchmark::kMillisecond);
+
+void BM_WilcoxonSignExact14(benchmark::State& state) {
+  TVec d = normals(6, 14);
+  d.Add(0.3);
+  THypothesisResult res;
+  double p, ci[2];
+  for (auto _ : state) {
+    WilcoxonSign(d, 0.0, res, p, ci, htTwoTailed, 0.05);
+    benchmark::DoNotOptimize(p);
+  }
+}
+BENCHMARK(BM_WilcoxonSignExact14);
+
+}  // namespace
