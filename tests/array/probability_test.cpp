@@ -306,6 +306,22 @@ TEST(Probability, VectorFormsRefuseComplexDataAndUnequalDegrees) {
   EXPECT_RAISES(FCDFInv(0.5, a, b, d), "Size mismatch");
 }
 
+// Parameters far out, each once a hang or a wrong answer of the underlying library:
+// the answers known exactly, or NaN where no double can hold them, and all at once.
+TEST(Probability, ExtremeParametersGiveKnownAnswersOrNaN) {
+  EXPECT_EQ(BetaCDF(0.5, 1e-300, 1e-300), 0.5);            // symmetric two-point limit (Boost: 0)
+  EXPECT_EQ(BetaCDFInv(0.25, 1e-300, 3e-300), 0.0);        // 3/4 of the mass at 0
+  EXPECT_TRUE(std::isnan(BetaCDF(0.5, 1e12, 1e12)));       // out of reach of the fraction
+  EXPECT_TRUE(std::isnan(BetaCDFInv(0.5, 1e300, 1e300)));  // Boost's inverse: minutes
+  EXPECT_EQ(NegBinomCDF(1e300, 2, 0.5), 1.0);              // gamma limit of a huge shape
+  EXPECT_EQ(PoissonCDFInv(0.5, 1e15), 1e15);               // the median of a whole mean is the mean
+  EXPECT_TRUE(std::isnan(PoissonCDFInv(0.5, 1e300)));      // Boost's quantile never returned
+  EXPECT_TRUE(std::isnan(NegBinomCDFInv(0.5, 1, 1e-300))); // median near 7e299
+  // P(a, a) = 1/2 + 1/(3 sqrt(2 pi a)) + O(1/a) (Temme); Boost gave 0.34 at 1e12.
+  EXPECT_NEAR(GammaCDF(1e12, 1e12, 1), 0.5 + 1.0 / (3.0 * std::sqrt(2e12 * 3.141592653589793)), 1e-11);
+  EXPECT_NEAR(FCDF(1, 1000000000, 1000000000), 0.5, 1e-14);  // symmetry at 1
+}
+
 // No hidden state: the same calls from four threads at once give the serial results.
 TEST(Probability, ConcurrentCallsAgreeWithSerialOnes) {
   auto work = [] {
