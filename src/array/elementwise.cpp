@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "array/kernels.h"
 #include "array/order_statistics.h"
 #include "statkit/array/Kalpa.h"
 #include "statkit/array/Math.h"
@@ -127,6 +128,29 @@ template <class G>
   }
   return total + comp;
 }
+
+}  // namespace
+
+STATKIT_SIMD_CLONES double detail::Dot(const double* a, const double* b, std::size_t n) {
+  double total = 0.0, comp = 0.0;
+  for (std::size_t start = 0; start < n; start += kBlock) {
+    std::size_t end = std::min(n, start + kBlock);
+    Lanes p = {0, 0, 0, 0}, q = p, r = p, t = p;
+    std::size_t i = start;
+    for (; i + 16 <= end; i += 16) {
+      p += loadLanes(a + i) * loadLanes(b + i);
+      q += loadLanes(a + i + 4) * loadLanes(b + i + 4);
+      r += loadLanes(a + i + 8) * loadLanes(b + i + 8);
+      t += loadLanes(a + i + 12) * loadLanes(b + i + 12);
+    }
+    double block = laneSum((p + q) + (r + t));
+    for (; i < end; ++i) block += a[i] * b[i];
+    addCompensated(total, comp, block);
+  }
+  return total + comp;
+}
+
+namespace {
 
 STATKIT_SIMD_CLONES double plainSum(const double* x, std::size_t n) {
   return blockedSum(x, n, [](Lanes v) { return v; });
@@ -561,18 +585,7 @@ double TDenseKalpa::DotProd(const TDenseKalpa& Vec, int VecIndex, int Index, int
   requireReal(Vec);
   Vec.CheckRange(VecIndex, Len);
   CheckRange(Index, Len);
-  const double* a = data() + Index;
-  const double* b = Vec.data() + VecIndex;
-  double s0 = 0, s1 = 0, s2 = 0, s3 = 0;
-  int i = 0;
-  for (; i + 4 <= Len; i += 4) {
-    s0 += a[i] * b[i];
-    s1 += a[i + 1] * b[i + 1];
-    s2 += a[i + 2] * b[i + 2];
-    s3 += a[i + 3] * b[i + 3];
-  }
-  for (; i < Len; ++i) s0 += a[i] * b[i];
-  return (s0 + s1) + (s2 + s3);
+  return detail::Dot(data() + Index, Vec.data() + VecIndex, Len);
 }
 
 TCplx TDenseKalpa::DotProdc(const TDenseKalpa& Vec, bool Conjugate) const {
@@ -628,19 +641,25 @@ void TMtx::SumCols(TVec& Dst) const {
   for (int j = 0; j < Cols(); ++j) Dst.data()[j] = s[j] + c[j];
 }
 
-void TMtx::MeanCols(TVec& Dst) const {
-  if (Complex()) {
-    TVec col;
-    std::vector<Cplx> means(Cols());
-    for (int j = 0; j < Cols(); ++j) {
-      col.GetCol(*this, j);
-      means[j] = col.Meanc();
-    }
-    Dst.Size(Cols(), true);
-    std::copy(means.begin(), means.end(), cplx(Dst.data()));
-    return;
+namespace {
+/// Complex means of the rows (or the columns) of \p m into \p Dst.
+void complexMeans(const TMtx& m, bool ofRows, TVec& Dst) {
+  const int count = ofRows ? m.Rows() : m.Cols();
+  TVec line;
+  std::vector<Cplx> means(count);
+  for (int i = 0; i < count; ++i) {
+    if (ofRows) line.GetRow(m, i);
+    else line.GetCol(m, i);
+    means[i] = line.Meanc();
   }
+  Dst.Size(count, true);
+  std::copy(means.begin(), means.end(), cplx(Dst.data()));
+}
+}  // namespace
+
+void TMtx::MeanCols(TVec& Dst) const {
   if (Rows() == 0) ERaise(msg::EmptyVector);
+  if (Complex()) return complexMeans(*this, false, Dst);
   int rows = Rows();
   SumCols(Dst);
   Dst.Scale(1.0 / rows);
@@ -656,17 +675,7 @@ void TMtx::SumRows(TVec& Dst) const {
 
 void TMtx::MeanRows(TVec& Dst) const {
   if (Cols() == 0) ERaise(msg::EmptyVector);
-  if (Complex()) {
-    TVec row;
-    std::vector<Cplx> means(Rows());
-    for (int r = 0; r < Rows(); ++r) {
-      row.GetRow(*this, r);
-      means[r] = row.Meanc();
-    }
-    Dst.Size(Rows(), true);
-    std::copy(means.begin(), means.end(), cplx(Dst.data()));
-    return;
-  }
+  if (Complex()) return complexMeans(*this, true, Dst);
   int cols = Cols();
   SumRows(Dst);
   Dst.Scale(1.0 / cols);

@@ -582,16 +582,27 @@ void TMtx::Eye(int Rows, int Cols, bool Complex) {
   for (int i = 0; i < std::min(Rows, Cols); ++i) data()[(static_cast<std::size_t>(i) * Cols + i) * (Complex ? 2 : 1)] = 1.0;
 }
 
-void TMtx::ConcatHorz(std::initializer_list<std::reference_wrapper<const TMtx>> Src) {
-  int rows = Src.size() ? Src.begin()->get().Rows() : 0, cols = 0;
-  bool complex = Src.size() && Src.begin()->get().Complex();
+namespace {
+/// The matrices side by side (\p horizontal) or stacked, in a new matrix.
+TMtx concatenated(std::initializer_list<std::reference_wrapper<const TMtx>> Src, bool horizontal) {
+  const TMtx* first = Src.size() ? &Src.begin()->get() : nullptr;
+  int shared = first ? (horizontal ? first->Rows() : first->Cols()) : 0, total = 0;
   for (const TMtx& m : Src) {
-    if (m.Rows() != rows) ERaise(msg::SizeMismatch);
-    cols += m.Cols();
+    if ((horizontal ? m.Rows() : m.Cols()) != shared) ERaise(msg::SizeMismatch);
+    total += horizontal ? m.Cols() : m.Rows();
   }
-  TMtx tmp(rows, cols, complex);
-  tmp.ConcatHorz(0, 0, Src);
-  *this = std::move(tmp);
+  TMtx out = horizontal ? TMtx(shared, total, first && first->Complex()) : TMtx(total, shared, first && first->Complex());
+  int at = 0;
+  for (const TMtx& m : Src) {
+    out.Copy(m, 0, 0, horizontal ? 0 : at, horizontal ? at : 0, m.Rows(), m.Cols());
+    at += horizontal ? m.Cols() : m.Rows();
+  }
+  return out;
+}
+}  // namespace
+
+void TMtx::ConcatHorz(std::initializer_list<std::reference_wrapper<const TMtx>> Src) {
+  *this = concatenated(Src, true);
 }
 
 void TMtx::ConcatHorz(int DestRow, int DestCol, std::initializer_list<std::reference_wrapper<const TMtx>> Src) {
@@ -603,19 +614,7 @@ void TMtx::ConcatHorz(int DestRow, int DestCol, std::initializer_list<std::refer
 }
 
 void TMtx::ConcatVert(std::initializer_list<std::reference_wrapper<const TMtx>> Src) {
-  int cols = Src.size() ? Src.begin()->get().Cols() : 0, rows = 0;
-  bool complex = Src.size() && Src.begin()->get().Complex();
-  for (const TMtx& m : Src) {
-    if (m.Cols() != cols) ERaise(msg::SizeMismatch);
-    rows += m.Rows();
-  }
-  TMtx tmp(rows, cols, complex);
-  int row = 0;
-  for (const TMtx& m : Src) {
-    tmp.Copy(m, 0, 0, row, 0, m.Rows(), m.Cols());
-    row += m.Rows();
-  }
-  *this = std::move(tmp);
+  *this = concatenated(Src, false);
 }
 
 void TMtx::Transp() {
