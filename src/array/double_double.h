@@ -55,9 +55,11 @@ inline DD operator*(DD a, double b) {
   return fastTwoSum(p.hi, p.lo + a.lo * b);
 }
 
-/// n / d: the remainder of the leading quotient is exact through fma.
+/// n / d: the remainder of the leading quotient is exact through fma. A quotient
+/// that is not finite (an infinite numerator, an overflow) stands alone.
 inline DD operator/(DD n, DD d) {
   double q = n.hi / d.hi;
+  if (!std::isfinite(q)) return {q, 0.0};
   double r = std::fma(-q, d.hi, n.hi);
   return fastTwoSum(q, (r + n.lo - q * d.lo) / d.hi);
 }
