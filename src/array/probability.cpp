@@ -163,13 +163,58 @@ double normalDensity(double zh, double zl) {
   return (v - v * (0.5 * hl)) * kInvSqrt2Pi;
 }
 
-// The standard normal quantile: -sqrt(2) erfc^-1(2p), taken on the smaller tail so
-// that 1 - p stays exact (Sterbenz).
+// The standard normal quantile by Wichura's rational approximations (Algorithm
+// AS 241, Applied Statistics 37, 1988, pp. 477-484: PPND16, relative error about
+// 1e-16): one for |p - 1/2| <= 0.425, two in r = sqrt(-ln(smaller tail)) for the
+// tails, which reach the subnormal range. The smaller tail 1 - p is exact for
+// p >= 1/2 (Sterbenz). A few products and one logarithm: about a sixth of the cost
+// of the extended-precision inverse error function.
+template <std::size_t N>
+double horner(const double (&c)[N], double x) {
+  double v = c[N - 1];
+  for (std::size_t i = N - 1; i-- > 0;) v = v * x + c[i];
+  return v;
+}
+
 double standardNormalQuantile(double p) {
+  static constexpr double a[] = {3.3871328727963666080e0, 1.3314166789178437745e2, 1.9715909503065514427e3,
+                                 1.3731693765509461125e4, 4.5921953931549871457e4, 6.7265770927008700853e4,
+                                 3.3430575583588128105e4, 2.5090809287301226727e3};
+  static constexpr double b[] = {1.0,
+                                 4.2313330701600911252e1, 6.8718700749205790830e2, 5.3941960214247511077e3,
+                                 2.1213794301586595867e4, 3.9307895800092710610e4, 2.8729085735721942674e4,
+                                 5.2264952788528545610e3};
+  static constexpr double c[] = {1.42343711074968357734e0, 4.63033784615654529590e0, 5.76949722146069140550e0,
+                                 3.64784832476320460504e0, 1.27045825245236838258e0, 2.41780725177450611770e-1,
+                                 2.27238449892691845833e-2, 7.74545014278341407640e-4};
+  static constexpr double d[] = {1.0,
+                                 2.05319162663775882187e0, 1.67638483018380384940e0, 6.89767334985100004550e-1,
+                                 1.48103976427480074590e-1, 1.51986665636164571966e-2, 5.47593808499534494600e-4,
+                                 1.05075007164441684324e-9};
+  static constexpr double e[] = {6.65790464350110377720e0, 5.46378491116411436990e0, 1.78482653991729133580e0,
+                                 2.96560571828504891230e-1, 2.65321895265761230930e-2, 1.24266094738807843860e-3,
+                                 2.71155556874348757815e-5, 2.01033439929228813265e-7};
+  static constexpr double f[] = {1.0,
+                                 5.99832206555887937690e-1, 1.36929880922735805310e-1, 1.48753612908506148525e-2,
+                                 7.86869131145613259100e-4, 1.84631831751005468180e-5, 1.42151175831644588870e-7,
+                                 2.04426310338993978564e-15};
   if (p == 0.0) return -kInf;
   if (p == 1.0) return kInf;
-  if (p <= 0.5) return -kSqrt2 * noThrow([&] { return bm::erfc_inv(2.0 * p, PrecisePolicy()); });
-  return kSqrt2 * noThrow([&] { return bm::erfc_inv(2.0 * (1.0 - p), PrecisePolicy()); });
+  const double q = p - 0.5;
+  if (std::fabs(q) <= 0.425) {
+    const double r = 0.180625 - q * q;
+    return q * horner(a, r) / horner(b, r);
+  }
+  double r = std::sqrt(-std::log(q < 0.0 ? p : 1.0 - p));
+  double z;
+  if (r <= 5.0) {
+    r -= 1.6;
+    z = horner(c, r) / horner(d, r);
+  } else {
+    r -= 5.0;
+    z = horner(e, r) / horner(f, r);
+  }
+  return q < 0.0 ? -z : z;
 }
 
 // ---------------------------------------------------------------------------
