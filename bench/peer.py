@@ -8,11 +8,11 @@ Usage: bench/peer.py [--build DIR] [--filter REGEX] [--repeats N]
 Each topic has a benchmark program bench/<topic>_bench.cpp and a module
 bench/peer_<topic>.py that defines PEERS: a dict from a benchmark name to a
 function returning a zero-argument callable that runs the peer's workload on
-the same data (the data generators live beside it). A module may also define
-RELATIVE: a dict from a benchmark name to another benchmark of the same
-program, reported as a speed ratio within one run (a kernel against the
-memory-bandwidth loop, say). The statkit time is the
-benchmark's real time per iteration; the peer time is the best of N runs.
+the same data (the data generators live beside it). Both sides are timed as
+the best of N repetitions, so one-time costs (first touch of fresh memory)
+count on neither. A module may also define RELATIVE: a dict from a benchmark
+name to another benchmark of the same program, reported as a speed ratio
+within one run (a kernel against the memory-bandwidth loop, say).
 """
 import argparse, glob, importlib.util, json, os, re, subprocess, sys, time
 
@@ -41,14 +41,18 @@ def best_time(fn, repeats):
         best = min(best, time.perf_counter() - t)
     return best
 
-def run_statkit(build, topic, flt):
+def run_statkit(build, topic, flt, repeats):
     exe = os.path.join(build, "bench", f"{topic}_bench")
     out = subprocess.run([exe, "--benchmark_format=json", f"--benchmark_filter={flt}",
-                          "--benchmark_min_time=0.2"], capture_output=True, text=True, check=True)
+                          "--benchmark_min_time=0.1", f"--benchmark_repetitions={repeats}"],
+                         capture_output=True, text=True, check=True)
     res = {}
     for b in json.loads(out.stdout)["benchmarks"]:
+        if b.get("run_type") == "aggregate":
+            continue
         unit = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}[b["time_unit"]]
-        res[b["name"]] = b["real_time"] * unit
+        name = b.get("run_name", b["name"])
+        res[name] = min(res.get(name, float("inf")), b["real_time"] * unit)
     return res
 
 def main():
@@ -64,7 +68,7 @@ def main():
         names = [n for n, (t, _) in peers.items() if t == topic and re.search(a.filter, n)]
         if not names:
             continue
-        sk = run_statkit(a.build, topic, "|".join(re.escape(n) + "$" for n in names))
+        sk = run_statkit(a.build, topic, "|".join(re.escape(n) + "$" for n in names), a.repeats)
         for n in names:
             fn = peers[n][1]()
             pt = best_time(fn, a.repeats)
@@ -76,7 +80,7 @@ def main():
     for n, (topic, base) in relative.items():
         if not re.search(a.filter, n):
             continue
-        sk = run_statkit(a.build, topic, re.escape(n) + "$|" + re.escape(base) + "$")
+        sk = run_statkit(a.build, topic, re.escape(n) + "$|" + re.escape(base) + "$", a.repeats)
         if n in sk and base in sk:
             print(f"{n} runs at {100 * sk[base] / sk[n]:.0f}% of the speed of {base} (same run)")
     return 0
