@@ -237,21 +237,36 @@ void TDenseKalpa::Add(TCplx Value) {
 
 void TDenseKalpa::Add(const TDenseKalpa& Vec) { Add(*this, Vec); }
 
-void TDenseKalpa::Add(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2) {
+template <class Op>
+void TDenseKalpa::Zip(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2, Op op) {
   requireSameKind(Vec1, Vec2);
   SizeLike(Vec1, Vec1.Complex());
-  zip(data(), Vec1.data(), Vec2.data(), Length(), Complex(), [](auto a, auto b) { return a + b; });
+  zip(data(), Vec1.data(), Vec2.data(), Length(), Complex(), op);
 }
 
-void TDenseKalpa::Add(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2, int Vec1Index, int Vec2Index, int Index,
-                      int Len) {
+template <class Op>
+void TDenseKalpa::ZipRange(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2, int Vec1Index, int Vec2Index, int Index,
+                           int Len, Op op) {
   if (Vec1.Complex() != Vec2.Complex() || Vec1.Complex() != Complex()) ERaise(msg::ComplexNotSupported);
   Vec1.CheckRange(Vec1Index, Len);
   Vec2.CheckRange(Vec2Index, Len);
   CheckRange(Index, Len);
   int w = Complex() ? 2 : 1;
-  zip(data() + Index * w, Vec1.data() + Vec1Index * w, Vec2.data() + Vec2Index * w, Len, Complex(),
-      [](auto a, auto b) { return a + b; });
+  zip(data() + Index * w, Vec1.data() + Vec1Index * w, Vec2.data() + Vec2Index * w, Len, Complex(), op);
+}
+
+namespace {
+constexpr auto plus = [](auto a, auto b) { return a + b; };
+constexpr auto minus = [](auto a, auto b) { return a - b; };
+constexpr auto times = [](auto a, auto b) { return a * b; };
+constexpr auto over = [](auto a, auto b) { return a / b; };
+}  // namespace
+
+void TDenseKalpa::Add(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2) { Zip(Vec1, Vec2, plus); }
+
+void TDenseKalpa::Add(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2, int Vec1Index, int Vec2Index, int Index,
+                      int Len) {
+  ZipRange(Vec1, Vec2, Vec1Index, Vec2Index, Index, Len, plus);
 }
 
 void TDenseKalpa::AddScaled(const TDenseKalpa& Vec, double Factor) {
@@ -263,21 +278,11 @@ void TDenseKalpa::Sub(double Value) { Add(-Value); }
 
 void TDenseKalpa::Sub(const TDenseKalpa& Vec) { Sub(*this, Vec); }
 
-void TDenseKalpa::Sub(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2) {
-  requireSameKind(Vec1, Vec2);
-  SizeLike(Vec1, Vec1.Complex());
-  zip(data(), Vec1.data(), Vec2.data(), Length(), Complex(), [](auto a, auto b) { return a - b; });
-}
+void TDenseKalpa::Sub(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2) { Zip(Vec1, Vec2, minus); }
 
 void TDenseKalpa::Sub(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2, int Vec1Index, int Vec2Index, int Index,
                       int Len) {
-  if (Vec1.Complex() != Vec2.Complex() || Vec1.Complex() != Complex()) ERaise(msg::ComplexNotSupported);
-  Vec1.CheckRange(Vec1Index, Len);
-  Vec2.CheckRange(Vec2Index, Len);
-  CheckRange(Index, Len);
-  int w = Complex() ? 2 : 1;
-  zip(data() + Index * w, Vec1.data() + Vec1Index * w, Vec2.data() + Vec2Index * w, Len, Complex(),
-      [](auto a, auto b) { return a - b; });
+  ZipRange(Vec1, Vec2, Vec1Index, Vec2Index, Index, Len, minus);
 }
 
 void TDenseKalpa::Mul(double Value) { Mul(Value, 0, Length()); }
@@ -300,19 +305,11 @@ void TDenseKalpa::Mul(double Value, int Index, int Len) {
 
 void TDenseKalpa::Mul(const TDenseKalpa& Vec) { Mul(*this, Vec); }
 
-void TDenseKalpa::Mul(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2) {
-  requireSameKind(Vec1, Vec2);
-  SizeLike(Vec1, Vec1.Complex());
-  zip(data(), Vec1.data(), Vec2.data(), Length(), Complex(), [](auto a, auto b) { return a * b; });
-}
+void TDenseKalpa::Mul(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2) { Zip(Vec1, Vec2, times); }
 
 void TDenseKalpa::Divide(const TDenseKalpa& Vec) { Divide(*this, Vec); }
 
-void TDenseKalpa::Divide(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2) {
-  requireSameKind(Vec1, Vec2);
-  SizeLike(Vec1, Vec1.Complex());
-  zip(data(), Vec1.data(), Vec2.data(), Length(), Complex(), [](auto a, auto b) { return a / b; });
-}
+void TDenseKalpa::Divide(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2) { Zip(Vec1, Vec2, over); }
 
 void TDenseKalpa::Offset(double Value) { Add(Value); }
 void TDenseKalpa::Scale(double Value) { Mul(Value); }

@@ -247,6 +247,15 @@ public:
 
 protected:
   TDenseKalpa() = default;
+
+private:
+  // Self = op(Vec1, Vec2) element by element, Self sized like Vec1 (defined where used).
+  template <class Op>
+  void Zip(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2, Op op);
+  // The ranged form: Len elements from the given positions of each operand.
+  template <class Op>
+  void ZipRange(const TDenseKalpa& Vec1, const TDenseKalpa& Vec2, int Vec1Index, int Vec2Index, int Index, int Len,
+                Op op);
 };
 
 /// \brief Mean of the elements, as a free function.
