@@ -72,6 +72,21 @@ void lanesPortable(const std::uint32_t key[2], std::uint64_t ctrLo, std::uint64_
 #if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
+// The four 32-bit counter words of blocks first .. first + W - 1 after (ctrLo, ctrHi),
+// one block per 64-bit lane, with the carry into the high half: the setup of a
+// vector batch whose low word wraps inside it.
+template <int W>
+void counterWords(std::uint64_t ctrLo, std::uint64_t ctrHi, int first, std::uint64_t (&w)[4][W]) {
+  for (int j = 0; j < W; ++j) {
+    std::uint64_t lo = ctrLo + static_cast<std::uint64_t>(first + j);
+    std::uint64_t hi = ctrHi + (lo < ctrLo ? 1u : 0u);
+    w[0][j] = lo & 0xFFFFFFFFu;
+    w[1][j] = lo >> 32;
+    w[2][j] = hi & 0xFFFFFFFFu;
+    w[3][j] = hi >> 32;
+  }
+}
+
 // The vector kernels keep each 32-bit word in a 64-bit lane: the multiplication
 // reads the low halves only, so the high halves may carry anything until the
 // final store, and a round is two multiplications, two shifts and two
@@ -92,14 +107,7 @@ __attribute__((target("avx2"))) void lanesAvx2(const std::uint32_t key[2], std::
   } else {
     for (int v = 0; v < V; ++v) {
       alignas(32) std::uint64_t w[4][4];
-      for (int j = 0; j < 4; ++j) {
-        std::uint64_t lo = ctrLo + static_cast<std::uint64_t>(4 * v + j);
-        std::uint64_t hi = ctrHi + (lo < ctrLo ? 1u : 0u);
-        w[0][j] = lo & 0xFFFFFFFFu;
-        w[1][j] = lo >> 32;
-        w[2][j] = hi & 0xFFFFFFFFu;
-        w[3][j] = hi >> 32;
-      }
+      counterWords(ctrLo, ctrHi, 4 * v, w);
       c0[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[0]));
       c1[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[1]));
       c2[v] = _mm256_load_si256(reinterpret_cast<const __m256i*>(w[2]));
@@ -152,14 +160,7 @@ __attribute__((target("avx512f"))) void lanesAvx512(const std::uint32_t key[2], 
   } else {
     for (int v = 0; v < V; ++v) {
       alignas(64) std::uint64_t w[4][8];
-      for (int j = 0; j < 8; ++j) {
-        std::uint64_t lo = ctrLo + static_cast<std::uint64_t>(8 * v + j);
-        std::uint64_t hi = ctrHi + (lo < ctrLo ? 1u : 0u);
-        w[0][j] = lo & 0xFFFFFFFFu;
-        w[1][j] = lo >> 32;
-        w[2][j] = hi & 0xFFFFFFFFu;
-        w[3][j] = hi >> 32;
-      }
+      counterWords(ctrLo, ctrHi, 8 * v, w);
       c0[v] = _mm512_load_si512(w[0]);
       c1[v] = _mm512_load_si512(w[1]);
       c2[v] = _mm512_load_si512(w[2]);

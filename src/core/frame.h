@@ -70,6 +70,15 @@ inline void WriteInterval(double* ConfInt, double lower, double upper) {
   ConfInt[1] = upper;
 }
 
+/// \brief Runs a one-sample test on the element-wise differences Data1 - Data2,
+/// held in a pool temporary: the paired form of every one-sample test.
+template <class OneSample>
+void OnDifferences(const TVec& Data1, const TVec& Data2, OneSample test) {
+  PooledVec differences;
+  differences->Sub(Data1, Data2);
+  test(static_cast<const TVec&>(*differences));
+}
+
 /// \brief The interval of a location estimate \p e with half-width \p d: two-sided;
 /// a right-tailed test reports an upper bound, a left-tailed test a lower bound.
 inline void WriteLocationInterval(double* ConfInt, THypothesisType hType, double e, double d) {

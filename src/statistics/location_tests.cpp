@@ -88,9 +88,9 @@ void tTest(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes, double
     if (Data1.Complex() || Data2.Complex()) ERaise("tTest: vectors must be real");
     if (Paired) {
       if (Data1.Length() != Data2.Length()) ERaise("tTest: Data1.Length <> Data2.Length");
-      PooledVec D;
-      D->Sub(Data1, Data2);
-      return tTest(*D, 0.0, hRes, Signif, ConfInt, hType, Alpha);
+      return core::OnDifferences(Data1, Data2, [&](const TVec& D) {
+        tTest(D, 0.0, hRes, Signif, ConfInt, hType, Alpha);
+      });
     }
     if (!core::ValidAlpha(Alpha)) return core::SetUndecided(hRes, Signif, ConfInt);
     const int n1 = Data1.Length(), n2 = Data2.Length(), df = n1 + n2 - 2;
@@ -127,9 +127,8 @@ void SignTest(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes, dou
   if (Data1.Complex() || Data2.Complex()) ERaise("SignTest: vectors must be real");
   if (!core::ValidAlpha(Alpha)) ERaise("SignTest :(alpha<=0) or (alpha>=1)");
   core::Guarded("SignTest : ", [&] {
-    PooledVec D;
-    D->Sub(Data1, Data2);
-    SignTest(*D, 0.0, hRes, Signif, ConfInt, hType, Alpha);
+    core::OnDifferences(Data1, Data2,
+                        [&](const TVec& D) { SignTest(D, 0.0, hRes, Signif, ConfInt, hType, Alpha); });
   });
 }
 

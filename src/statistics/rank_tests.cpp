@@ -110,9 +110,8 @@ void WilcoxonSign(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes,
   if (Data1.Complex() || Data2.Complex()) ERaise("WilcoxonSign: vectors must be real");
   if (!core::ValidAlpha(Alpha)) ERaise("WilcoxonSign :(alpha<=0) or (alpha>=1)");
   core::Guarded("WilcoxonSign : ", [&] {
-    PooledVec D;
-    D->Sub(Data1, Data2);
-    WilcoxonSign(*D, 0.0, hRes, Signif, ConfInt, hType, Alpha);
+    core::OnDifferences(Data1, Data2,
+                        [&](const TVec& D) { WilcoxonSign(D, 0.0, hRes, Signif, ConfInt, hType, Alpha); });
   });
 }
 
