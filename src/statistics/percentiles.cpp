@@ -10,7 +10,7 @@
 #include <limits>
 #include <vector>
 
-#include "array/order_statistics.h"
+#include "array/elementwise/order_statistics.h"
 #include "core/frame.h"
 
 namespace statkit::Statistics {

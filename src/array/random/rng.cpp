@@ -8,8 +8,8 @@
 #include <cmath>
 #include <limits>
 
-#include "array/philox.h"
-#include "array/rng_samplers.h"
+#include "array/random/philox.h"
+#include "array/random/rng_samplers.h"
 #include "statkit/array/Errors.h"
 #include "statkit/array/Random.h"
 

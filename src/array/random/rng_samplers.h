@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "array/philox.h"
+#include "array/random/philox.h"
 #include "statkit/array/Errors.h"
 #include "statkit/array/Kalpa.h"
 

@@ -9,7 +9,7 @@
 // many keys; the remainder is introselected. Two reads of the data replace
 // the copy and introselect of the whole array.
 
-#include "array/order_statistics.h"
+#include "array/elementwise/order_statistics.h"
 
 #include <algorithm>
 #include <array>

@@ -14,8 +14,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "array/kernels.h"
-#include "array/order_statistics.h"
+#include "array/elementwise/dot_product.h"
+#include "array/elementwise/order_statistics.h"
 #include "statkit/array/Kalpa.h"
 #include "statkit/array/Math.h"
 

@@ -7,7 +7,7 @@
 // the fastest one the processor has is picked once. Every kernel gives the same
 // output bit for bit.
 
-#include "array/philox.h"
+#include "array/random/philox.h"
 
 #include <algorithm>
 #include <cstring>

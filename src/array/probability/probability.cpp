@@ -11,8 +11,8 @@
 
 #include "statkit/array/Probability.h"
 
-#include "array/boost_policy.h"
-#include "array/double_double.h"
+#include "array/probability/boost_policy.h"
+#include "array/probability/double_double.h"
 
 #include <boost/math/distributions/students_t.hpp>
 #include <boost/math/special_functions/beta.hpp>

@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "array/philox.h"
+#include "array/random/philox.h"
 #include "statkit/Array.h"
 #include "support/expect.h"
 #include "support/fixture.h"

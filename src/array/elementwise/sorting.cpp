@@ -14,7 +14,7 @@
 #include <numeric>
 #include <vector>
 
-#include "array/order_statistics.h"
+#include "array/elementwise/order_statistics.h"
 #include "statkit/array/Kalpa.h"
 
 namespace statkit {

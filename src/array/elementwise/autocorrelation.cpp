@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "array/kernels.h"
+#include "array/elementwise/dot_product.h"
 #include "statkit/array/Kalpa.h"
 
 namespace statkit {
