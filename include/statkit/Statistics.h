@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "statkit/Array.h"
+#include "statkit/Hypothesis.h"
 
 namespace statkit::Statistics {
 
@@ -28,16 +29,7 @@ using statkit::TKalpa;
 using statkit::TMtx;
 using statkit::TVec;
 
-// --- shared enumerations ----------------------------------------------------
-
-/// \brief Alternative hypothesis: two-sided, upper tail, lower tail.
-enum THypothesisType : std::uint8_t { htTwoTailed, htRightTailed, htLeftTailed };
-inline constexpr std::array<std::string_view, 3> THypothesisTypeNames{"htTwoTailed", "htRightTailed",
-                                                                      "htLeftTailed"};
-
-/// \brief Outcome of a test: not rejected, rejected, undecidable (NaN significance).
-enum THypothesisResult : std::uint8_t { hrNotReject, hrReject, hrNan };
-inline constexpr std::array<std::string_view, 3> THypothesisResultNames{"hrNotReject", "hrReject", "hrNan"};
+// --- shared enumerations (THypothesisType, THypothesisResult: Hypothesis.h) ---
 
 /// \brief Principal components from the correlation or the covariance matrix.
 enum TPCAMode : std::uint8_t { PCACorrMat, PCACovMat };

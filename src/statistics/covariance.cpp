@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/frame.h"
+#include "statkit/Statistics.h"
 
 namespace statkit::Statistics {
 

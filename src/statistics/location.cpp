@@ -6,6 +6,7 @@
 #include <complex>
 
 #include "core/frame.h"
+#include "statkit/Statistics.h"
 
 namespace statkit::Statistics {
 

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "core/frame.h"
+#include "core/test_decision.h"
 #include "statkit/Statistics.h"
 
 namespace statkit::Statistics {

@@ -9,6 +9,7 @@
 #include <initializer_list>
 
 #include "core/frame.h"
+#include "core/test_decision.h"
 #include "statkit/Statistics.h"
 
 namespace statkit::Statistics {

@@ -12,6 +12,7 @@
 
 #include "array/elementwise/order_statistics.h"
 #include "core/frame.h"
+#include "statkit/Statistics.h"
 
 namespace statkit::Statistics {
 

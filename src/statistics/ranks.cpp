@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "core/frame.h"
+#include "statkit/Statistics.h"
 
 namespace statkit::Statistics {
 

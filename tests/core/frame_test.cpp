@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "core/frame.h"
+#include "core/test_decision.h"
+#include "statkit/Statistics.h"
 #include "support/expect.h"
 
 namespace statkit::core {
@@ -126,32 +128,6 @@ TEST(TestDecision, RejectsAtOrBelowAlphaAndCannotDecideNaN) {
   EXPECT_FALSE(ValidAlpha(1.0));
   EXPECT_FALSE(ValidAlpha(NAN));
   EXPECT_TRUE(ValidAlpha(0.5));
-}
-
-TEST(TestDecision, TailsAndIntervalsFollowTheAlternative) {
-  EXPECT_EQ(TailSignificance(htLeftTailed, 0.1, 0.9), 0.1);
-  EXPECT_EQ(TailSignificance(htRightTailed, 0.1, 0.9), 0.9);
-  EXPECT_EQ(TailSignificance(htTwoTailed, 0.7, 0.3), 0.6);
-  EXPECT_EQ(TailSignificance(htTwoTailed, 0.7, 0.3, false), 0.3);
-  EXPECT_TRUE(std::isnan(TailSignificance(htTwoTailed, NAN, 0.3)));
-
-  double ci[2];
-  WriteLocationInterval(ci, htTwoTailed, 10, 2);
-  EXPECT_EQ(ci[0], 8);
-  EXPECT_EQ(ci[1], 12);
-  WriteLocationInterval(ci, htRightTailed, 10, 2);  // an upper bound
-  EXPECT_EQ(ci[0], -INF);
-  EXPECT_EQ(ci[1], 12);
-  WriteLocationInterval(ci, htLeftTailed, 10, 2);  // a lower bound
-  EXPECT_EQ(ci[0], 8);
-  EXPECT_EQ(ci[1], INF);
-  WriteLocationInterval(nullptr, htTwoTailed, 1, 1);  // no interval wanted
-
-  THypothesisResult h = hrReject;
-  double s = 0;
-  SetUndecided(h, s, ci);
-  EXPECT_EQ(h, hrNan);
-  EXPECT_TRUE(std::isnan(s) && std::isnan(ci[0]) && std::isnan(ci[1]));
 }
 
 TEST(Enumerations, PublishTheirValueNamesInOrder) {
