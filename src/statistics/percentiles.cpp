@@ -8,9 +8,9 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <vector>
 
-#include "array/elementwise/order_statistics.h"
 #include "core/frame.h"
 #include "statkit/Statistics.h"
 
@@ -131,7 +131,7 @@ double Percentile(const TVec& X, double p, TPercentileMethod Method) {
     // x(k + 1) is read only when it has weight: an infinite neighbour must not turn 0 * INF into NaN
     const bool two = r.average || r.f != 0.0;
     double x[2];
-    detail::SelectRanks(X.data(), n, r.k - 1, two ? 2 : 1, x);
+    X.SelectRanks(r.k - 1, std::span<double>(x, two ? 2 : 1));
     if (r.average) return 0.5 * (x[0] + x[1]);
     return two ? (1.0 - r.f) * x[0] + r.f * x[1] : x[0];
   });
@@ -179,8 +179,7 @@ void Histogram(const TVec& Data, int NumBins, TVec& Results, TVec& Bins, bool Ce
   checkNumBins(NumBins);
   double hi = 0.0, lo = 0.0;
   core::Guarded("Histogram : ", [&] {
-    if (Data.Length() == 0) ERaise(msg::EmptyVector);
-    detail::MinMax(Data.data(), Data.Length(), lo, hi);  // Min and Max in one read
+    Data.MinMax(lo, hi);
   });
   Histogram(Data, NumBins, Results, Bins, CenterBins, hi, lo);
 }

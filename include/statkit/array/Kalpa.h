@@ -227,6 +227,12 @@ public:
   TCplx Meanc() const;
   double Max() const;
   double Min() const;
+  /// \brief The smallest and the largest element in one read; both NaN when a NaN is present.
+  void MinMax(double& Lo, double& Hi) const;
+  /// \brief Dst[i] = the (First + i)-th smallest element (from 0; NaNs rank after +INF, as
+  /// SortAscend orders them), found by selection without reordering Self; raises
+  /// "Index out of range" unless First >= 0 and First + Dst.size() <= Length.
+  void SelectRanks(int First, std::span<double> Dst) const;
   /// \brief Complex element of largest / smallest magnitude (the first on ties).
   TCplx Maxc() const;
   TCplx Minc() const;

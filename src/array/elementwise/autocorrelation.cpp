@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "array/checks.h"
 #include "array/elementwise/dot_product.h"
 #include "statkit/array/Kalpa.h"
 
@@ -16,7 +17,7 @@ void TVec::AutoCorrBiased(const TVec& Src, int Lags) {
 }
 
 void TVec::CrossCorr(const TVec& Vec1, const TVec& Vec2, int Lags, int Offset) {
-  if (Vec1.Complex() || Vec2.Complex()) ERaise(msg::ComplexNotSupported);
+  detail::RequireReal(Vec1, Vec2);
   if (Lags < 0 || Offset < 0) ERaise(msg::IndexOutOfRange);
   if (Vec1.Length() == 0) ERaise(msg::EmptyVector);
   if (Lags == std::numeric_limits<int>::max()) ERaise(msg::IntegerOverflow);

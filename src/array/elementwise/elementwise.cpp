@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "array/checks.h"
 #include "array/elementwise/dot_product.h"
 #include "array/elementwise/order_statistics.h"
 #include "statkit/array/Kalpa.h"
@@ -28,9 +29,6 @@ using Cplx = TCplx;
 const Cplx* cplx(const double* p) { return reinterpret_cast<const Cplx*>(p); }
 Cplx* cplx(double* p) { return reinterpret_cast<Cplx*>(p); }
 
-void requireReal(const TKalpa& a) {
-  if (a.Complex()) ERaise(msg::ComplexNotSupported);
-}
 void requireSameLength(const TKalpa& a, const TKalpa& b) {
   if (a.Length() != b.Length()) ERaise(msg::SizeMismatch);
 }
@@ -350,7 +348,7 @@ void TDenseKalpa::Abs(const TDenseKalpa& Src) {
 }
 
 void TDenseKalpa::Abs(int Index, int Len) {
-  requireReal(*this);
+  detail::RequireReal(*this);
   CheckRange(Index, Len);
   for (int i = Index; i < Index + Len; ++i) data()[i] = std::fabs(data()[i]);
 }
@@ -407,18 +405,18 @@ void TDenseKalpa::Sign() {
 }
 
 void TDenseKalpa::Ceil() {
-  requireReal(*this);
+  detail::RequireReal(*this);
   mapReal(data(), data(), Length(), [](double a) { return std::ceil(a); });
 }
 
 void TDenseKalpa::Trunc() {
-  requireReal(*this);
+  detail::RequireReal(*this);
   mapReal(data(), data(), Length(), [](double a) { return std::trunc(a); });
 }
 
 void TDenseKalpa::IntToFloat(const TDenseKalpa& Src) {
   // Whole-number storage is kept in doubles already: the conversion is a copy.
-  requireReal(Src);
+  detail::RequireReal(Src);
   Copy(Src);
 }
 
@@ -467,7 +465,7 @@ void TDenseKalpa::Reverse(const TDenseKalpa& Src, int SrcIndex, int Index, int L
 // --- reductions ----------------------------------------------------------------
 
 double TDenseKalpa::Sum() const {
-  requireReal(*this);
+  detail::RequireReal(*this);
   return plainSum(data(), Length());
 }
 
@@ -476,13 +474,13 @@ void TDenseKalpa::Sum(TCplx& Result) const {
 }
 
 double TDenseKalpa::Mean() const {
-  requireReal(*this);
+  detail::RequireReal(*this);
   requireNonEmpty(*this);
   return plainSum(data(), Length()) / Length();
 }
 
 double TDenseKalpa::Mean(int Index, int Len) const {
-  requireReal(*this);
+  detail::RequireReal(*this);
   CheckRange(Index, Len);
   if (Len == 0) ERaise(msg::EmptyVector);
   return plainSum(data() + Index, Len) / Len;
@@ -495,20 +493,29 @@ TCplx TDenseKalpa::Meanc() const {
   return s / static_cast<double>(Length());
 }
 
-double TDenseKalpa::Max() const {
-  requireReal(*this);
+void TDenseKalpa::MinMax(double& Lo, double& Hi) const {
+  detail::RequireReal(*this);
   requireNonEmpty(*this);
+  detail::MinMax(data(), Length(), Lo, Hi);
+}
+
+double TDenseKalpa::Max() const {
   double lo, hi;
-  detail::MinMax(data(), Length(), lo, hi);  // NaN when a NaN is present
+  MinMax(lo, hi);
   return hi;
 }
 
 double TDenseKalpa::Min() const {
-  requireReal(*this);
-  requireNonEmpty(*this);
   double lo, hi;
-  detail::MinMax(data(), Length(), lo, hi);
+  MinMax(lo, hi);
   return lo;
+}
+
+void TDenseKalpa::SelectRanks(int First, std::span<double> Dst) const {
+  detail::RequireReal(*this);
+  if (Dst.empty()) return;
+  if (First < 0 || Dst.size() > static_cast<std::size_t>(Length() - First)) ERaise(msg::IndexOutOfRange);
+  detail::SelectRanks(data(), Length(), First, Dst.size(), Dst.data());
 }
 
 TCplx TDenseKalpa::Maxc() const {
@@ -566,7 +573,7 @@ double TDenseKalpa::SumOfSquares() const {
 }
 
 void TDenseKalpa::Product(double& Result) const {
-  requireReal(*this);
+  detail::RequireReal(*this);
   double p = 1.0;
   for (int i = 0; i < Length(); ++i) p *= data()[i];
   Result = p;
@@ -578,8 +585,8 @@ double TDenseKalpa::DotProd(const TDenseKalpa& Vec) const {
 }
 
 double TDenseKalpa::DotProd(const TDenseKalpa& Vec, int VecIndex, int Index, int Len) const {
-  requireReal(*this);
-  requireReal(Vec);
+  detail::RequireReal(*this);
+  detail::RequireReal(Vec);
   Vec.CheckRange(VecIndex, Len);
   CheckRange(Index, Len);
   return detail::Dot(data() + Index, Vec.data() + VecIndex, Len);
@@ -622,7 +629,7 @@ void TMtx::InvElem(double Threshold) {
 }
 
 void TMtx::SumCols(TVec& Dst) const {
-  requireReal(*this);
+  detail::RequireReal(*this);
   // Row by row accumulation keeps the reads sequential; each column's sum is compensated.
   std::vector<double> s(Cols(), 0.0), c(Cols(), 0.0);
   const double* x = data();
@@ -663,7 +670,7 @@ void TMtx::MeanCols(TVec& Dst) const {
 }
 
 void TMtx::SumRows(TVec& Dst) const {
-  requireReal(*this);
+  detail::RequireReal(*this);
   std::vector<double> s(Rows());
   for (int r = 0; r < Rows(); ++r) s[r] = plainSum(data() + static_cast<std::size_t>(r) * Cols(), Cols());
   Dst.Size(Rows());
@@ -688,8 +695,7 @@ void TMtx::TensorProd(const TVec& Vec1, const TVec& Vec2) {
 void TMtx::AddTensorProd(const TVec& Vec1, const TVec& Vec2, bool ConjVec2) {
   if (Rows() != Vec1.Length() || Cols() != Vec2.Length()) ERaise(msg::SizeMismatch);
   if (!Complex()) {
-    requireReal(Vec1);
-    requireReal(Vec2);
+    detail::RequireReal(Vec1, Vec2);
     for (int i = 0; i < Rows(); ++i) {
       double a = Vec1.data()[i];
       double* row = data() + static_cast<std::size_t>(i) * Cols();

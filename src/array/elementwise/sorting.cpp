@@ -14,6 +14,7 @@
 #include <numeric>
 #include <vector>
 
+#include "array/checks.h"
 #include "array/elementwise/order_statistics.h"
 #include "statkit/array/Kalpa.h"
 
@@ -89,7 +90,7 @@ void sortValuesWithPositions(double* x, std::int32_t* pos, int n) {
 }  // namespace
 
 void TVec::SortAscend() {
-  if (Complex()) ERaise(msg::ComplexNotSupported);
+  detail::RequireReal(*this);
   double* x = data();
   int n = Length();
   int finite = static_cast<int>(std::partition(x, x + n, [](double v) { return !std::isnan(v); }) - x);
@@ -97,7 +98,7 @@ void TVec::SortAscend() {
 }
 
 void TVec::SortAscend(TVec& IndexVec) {
-  if (Complex()) ERaise(msg::ComplexNotSupported);
+  detail::RequireReal(*this);
   if (&IndexVec == this) ERaise(msg::SizeMismatch);
   int n = Length();
   double* x = data();

@@ -28,6 +28,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "array/checks.h"
 #include "statkit/array/Kalpa.h"
 
 namespace statkit {
@@ -47,9 +48,6 @@ constexpr double kEps = std::numeric_limits<double>::epsilon();
 
 // --- checks ------------------------------------------------------------------
 
-void requireReal(const TKalpa& k) {
-  if (k.Complex()) ERaise(msg::ComplexNotSupported);
-}
 void requireOperation(TMtxOperation op) {
   if (op != opNone && op != opTranspose && op != opConjTranspose) ERaise(msg::InvalidParameter);
 }
@@ -200,7 +198,7 @@ struct SquareOperand {
 };
 
 SquareOperand squareOperand(const TMtx& self, TMtxType kind, TMtxOperation op) {
-  requireReal(self);
+  detail::RequireReal(self);
   requireKind(kind);
   requireOperation(op);
   requireSquare(self);
@@ -465,167 +463,167 @@ void TMtx::Mul(const TMtx& Mtx1, const TMtx& Mtx2, TMtxOperation Op1, TMtxOperat
 }
 
 void TMtx::Mul(const TMtx& Mtx1, const TMtx& Mtx2, TMtxType Type1, TMtxType Type2, TMtxOperation Op1,
-               TMtxOperation Op2) try {
-  requireKind(Type1), requireKind(Type2);
-  requireOperation(Op1), requireOperation(Op2);
-  if (Mtx1.Complex() || Mtx2.Complex()) store(*this, productOf<Cplx>(Mtx1, Mtx2, Type1, Type2, Op1, Op2));
-  else store(*this, productOf<double>(Mtx1, Mtx2, Type1, Type2, Op1, Op2));
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+               TMtxOperation Op2) {
+  detail::RaisingOutOfMemory([&] {
+    requireKind(Type1), requireKind(Type2);
+    requireOperation(Op1), requireOperation(Op2);
+    if (Mtx1.Complex() || Mtx2.Complex()) store(*this, productOf<Cplx>(Mtx1, Mtx2, Type1, Type2, Op1, Op2));
+    else store(*this, productOf<double>(Mtx1, Mtx2, Type1, Type2, Op1, Op2));
+  });
 }
 
-void TVec::TensorProd(const TMtx& Mtx, const TVec& Vec, TMtxType MtxType) try {
-  requireKind(MtxType);
-  // The vector as a one-column matrix; a copy, so Self may be Vec.
-  TMtx column(Vec.Length(), 1, Vec.Complex());
-  if (Vec.Length() > 0)
-    std::memcpy(column.data(), Vec.data(), sizeof(double) * Vec.Length() * (Vec.Complex() ? 2 : 1));
-  if (Mtx.Complex() || Vec.Complex()) store(*this, productOf<Cplx>(Mtx, column, MtxType, mtGeneral, opNone, opNone));
-  else store(*this, productOf<double>(Mtx, column, MtxType, mtGeneral, opNone, opNone));
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+void TVec::TensorProd(const TMtx& Mtx, const TVec& Vec, TMtxType MtxType) {
+  detail::RaisingOutOfMemory([&] {
+    requireKind(MtxType);
+    // The vector as a one-column matrix; a copy, so Self may be Vec.
+    TMtx column(Vec.Length(), 1, Vec.Complex());
+    if (Vec.Length() > 0)
+      std::memcpy(column.data(), Vec.data(), sizeof(double) * Vec.Length() * (Vec.Complex() ? 2 : 1));
+    if (Mtx.Complex() || Vec.Complex()) store(*this, productOf<Cplx>(Mtx, column, MtxType, mtGeneral, opNone, opNone));
+    else store(*this, productOf<double>(Mtx, column, MtxType, mtGeneral, opNone, opNone));
+  });
 }
 
 // --- inverse and solves ----------------------------------------------------------
 
-void TMtx::Inv(TMtxType MtxType) try {
-  SquareSolver solver(squareOperand(*this, MtxType, opNone), MtxType);
-  const Eigen::Index n = Rows();
-  store(*this, solver.solve(RMat::Identity(n, n)));
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+void TMtx::Inv(TMtxType MtxType) {
+  detail::RaisingOutOfMemory([&] {
+    SquareSolver solver(squareOperand(*this, MtxType, opNone), MtxType);
+    const Eigen::Index n = Rows();
+    store(*this, solver.solve(RMat::Identity(n, n)));
+  });
 }
 
-void TMtx::LUSolve(const TVec& B, TVec& X, TMtxType MtxType, TMtxOperation Op) const try {
-  requireReal(B);
-  if (B.Length() != Rows()) ERaise(msg::SizeMismatch);
-  SquareSolver solver(squareOperand(*this, MtxType, Op), MtxType);
-  RMat b = columnOf(B);
-  store(X, solver.solution(b, RefineSolution()));
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+void TMtx::LUSolve(const TVec& B, TVec& X, TMtxType MtxType, TMtxOperation Op) const {
+  detail::RaisingOutOfMemory([&] {
+    detail::RequireReal(B);
+    if (B.Length() != Rows()) ERaise(msg::SizeMismatch);
+    SquareSolver solver(squareOperand(*this, MtxType, Op), MtxType);
+    RMat b = columnOf(B);
+    store(X, solver.solution(b, RefineSolution()));
+  });
 }
 
-void TMtx::LUSolve(const TMtx& B, TMtx& X, TMtxType MtxType, TMtxOperation Op) const try {
-  requireReal(B);
-  if (B.Rows() != Rows()) ERaise(msg::SizeMismatch);
-  SquareSolver solver(squareOperand(*this, MtxType, Op), MtxType);
-  RMat b = realView(B);
-  store(X, solver.solution(b, RefineSolution()));
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+void TMtx::LUSolve(const TMtx& B, TMtx& X, TMtxType MtxType, TMtxOperation Op) const {
+  detail::RaisingOutOfMemory([&] {
+    detail::RequireReal(B);
+    if (B.Rows() != Rows()) ERaise(msg::SizeMismatch);
+    SquareSolver solver(squareOperand(*this, MtxType, Op), MtxType);
+    RMat b = realView(B);
+    store(X, solver.solution(b, RefineSolution()));
+  });
 }
 
-void TMtx::LQRSolve(const TVec& B, TVec& X, TMtx* R, TMtxOperation Op) const try {
-  requireReal(*this), requireReal(B);
-  requireOperation(Op);
-  RMat a = realView(*this);
-  if (Op != opNone) a.transposeInPlace();
-  LeastSquares ls(std::move(a));
-  if (B.Length() != ls.rows()) ERaise(msg::SizeMismatch);
-  Eigen::VectorXd x = ls.refinedSolution(columnOf(B));
-  RMat triangle;
-  if (R) triangle = ls.triangularFactor();
-  store(X, RMat(x));
-  if (R) store(*R, triangle), R->SetTriangleForm(tfUpper);
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+void TMtx::LQRSolve(const TVec& B, TVec& X, TMtx* R, TMtxOperation Op) const {
+  detail::RaisingOutOfMemory([&] {
+    detail::RequireReal(*this, B);
+    requireOperation(Op);
+    RMat a = realView(*this);
+    if (Op != opNone) a.transposeInPlace();
+    LeastSquares ls(std::move(a));
+    if (B.Length() != ls.rows()) ERaise(msg::SizeMismatch);
+    Eigen::VectorXd x = ls.refinedSolution(columnOf(B));
+    RMat triangle;
+    if (R) triangle = ls.triangularFactor();
+    store(X, RMat(x));
+    if (R) store(*R, triangle), R->SetTriangleForm(tfUpper);
+  });
 }
 
 // --- factorisations ------------------------------------------------------------
 
-void TMtx::LQR(TMtx& Q, TMtx& R, bool) const try {
-  requireReal(*this);
-  if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
-  const Eigen::Index m = Rows(), k = std::min(Rows(), Cols());
-  Eigen::HouseholderQR<Eigen::MatrixXd> qr(Eigen::MatrixXd(realView(*this)));
-  RMat q = qr.householderQ() * Eigen::MatrixXd::Identity(m, k);
-  RMat r = qr.matrixQR().topRows(k).triangularView<Eigen::Upper>();
-  store(Q, q);
-  store(R, r);
-  R.SetTriangleForm(tfUpper);
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+void TMtx::LQR(TMtx& Q, TMtx& R, bool) const {
+  detail::RaisingOutOfMemory([&] {
+    detail::RequireReal(*this);
+    if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
+    const Eigen::Index m = Rows(), k = std::min(Rows(), Cols());
+    Eigen::HouseholderQR<Eigen::MatrixXd> qr(Eigen::MatrixXd(realView(*this)));
+    RMat q = qr.householderQ() * Eigen::MatrixXd::Identity(m, k);
+    RMat r = qr.matrixQR().topRows(k).triangularView<Eigen::Upper>();
+    store(Q, q);
+    store(R, r);
+    R.SetTriangleForm(tfUpper);
+  });
 }
 
-void TMtx::SVD(TMtx& U, TVec& S, TMtx& V, bool Thin) const try {
-  requireReal(*this);
-  if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
-  const Eigen::Index m = Rows(), n = Cols(), k = std::min(m, n);
-  RMat u, v;
-  Eigen::VectorXd s;
-  if (!allFinite(*this)) {
-    // Eigen refuses non-finite input without results; NaN is the IEEE answer.
-    u.setConstant(m, Thin ? k : m, NAN);
-    v.setConstant(n, Thin ? k : n, NAN);
-    s.setConstant(k, NAN);
-  } else {
-    // One-sided Jacobi: singular values to high relative accuracy, in descending order.
-    const unsigned options = Thin ? (Eigen::ComputeThinU | Eigen::ComputeThinV)
-                                  : (Eigen::ComputeFullU | Eigen::ComputeFullV);
-    Eigen::JacobiSVD<Eigen::MatrixXd> svd(Eigen::MatrixXd(realView(*this)), options);
-    u = svd.matrixU(), v = svd.matrixV(), s = svd.singularValues();
-  }
-  store(U, u);
-  store(V, v);
-  store(S, RMat(s));
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+void TMtx::SVD(TMtx& U, TVec& S, TMtx& V, bool Thin) const {
+  detail::RaisingOutOfMemory([&] {
+    detail::RequireReal(*this);
+    if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
+    const Eigen::Index m = Rows(), n = Cols(), k = std::min(m, n);
+    RMat u, v;
+    Eigen::VectorXd s;
+    if (!allFinite(*this)) {
+      // Eigen refuses non-finite input without results; NaN is the IEEE answer.
+      u.setConstant(m, Thin ? k : m, NAN);
+      v.setConstant(n, Thin ? k : n, NAN);
+      s.setConstant(k, NAN);
+    } else {
+      // One-sided Jacobi: singular values to high relative accuracy, in descending order.
+      const unsigned options = Thin ? (Eigen::ComputeThinU | Eigen::ComputeThinV)
+                                    : (Eigen::ComputeFullU | Eigen::ComputeFullV);
+      Eigen::JacobiSVD<Eigen::MatrixXd> svd(Eigen::MatrixXd(realView(*this)), options);
+      u = svd.matrixU(), v = svd.matrixV(), s = svd.singularValues();
+    }
+    store(U, u);
+    store(V, v);
+    store(S, RMat(s));
+  });
 }
 
-void TMtx::SVD(TVec& S) const try {
-  requireReal(*this);
-  if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
-  Eigen::VectorXd s;
-  if (!allFinite(*this)) s.setConstant(std::min(Rows(), Cols()), NAN);
-  else s = Eigen::JacobiSVD<Eigen::MatrixXd>(Eigen::MatrixXd(realView(*this))).singularValues();
-  store(S, RMat(s));
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+void TMtx::SVD(TVec& S) const {
+  detail::RaisingOutOfMemory([&] {
+    detail::RequireReal(*this);
+    if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
+    Eigen::VectorXd s;
+    if (!allFinite(*this)) s.setConstant(std::min(Rows(), Cols()), NAN);
+    else s = Eigen::JacobiSVD<Eigen::MatrixXd>(Eigen::MatrixXd(realView(*this))).singularValues();
+    store(S, RMat(s));
+  });
 }
 
-void TMtx::Cholesky() try {
-  requireReal(*this);
-  requireSquare(*this);
-  Eigen::LLT<RMat> llt(realView(*this));
-  RMat l = llt.matrixL();
-  if (llt.info() != Eigen::Success || !finitePositiveDiagonal(l)) ERaise(msg::NotPositiveDefinite);
-  store(*this, l);
-  SetTriangleForm(tfLower);
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+void TMtx::Cholesky() {
+  detail::RaisingOutOfMemory([&] {
+    detail::RequireReal(*this);
+    requireSquare(*this);
+    Eigen::LLT<RMat> llt(realView(*this));
+    RMat l = llt.matrixL();
+    if (llt.info() != Eigen::Success || !finitePositiveDiagonal(l)) ERaise(msg::NotPositiveDefinite);
+    store(*this, l);
+    SetTriangleForm(tfLower);
+  });
 }
 
 // --- polynomial roots ----------------------------------------------------------
 
-void PolyRoots(TVec& Roots, const TVec& Coeffs) try {
-  requireReal(Coeffs);
-  const double* c = Coeffs.data();
-  int first = 0, last = Coeffs.Length();
-  while (first < last && c[first] == 0.0) ++first;  // leading zeros lower the degree
-  int zeroRoots = 0;
-  while (last > first && c[last - 1] == 0.0) --last, ++zeroRoots;  // x^k factors: exact zero roots
-  const int degree = last > first ? last - first - 1 : 0;
-  Eigen::VectorXcd roots = Eigen::VectorXcd::Zero(degree + zeroRoots);
-  bool finite = true;
-  for (int i = first; i < last; ++i) finite = finite && std::isfinite(c[i]);
-  if (degree > 0) {
-    // Companion matrix: first row -c[1..]/c[0], ones below the diagonal.
-    Eigen::MatrixXd companion = Eigen::MatrixXd::Zero(degree, degree);
-    for (int j = 0; j < degree; ++j) companion(0, j) = -c[first + 1 + j] / c[first];
-    for (int i = 1; i < degree; ++i) companion(i, i - 1) = 1.0;
-    Eigen::EigenSolver<Eigen::MatrixXd> eig;
-    if (finite && companion.allFinite()) {
-      balance(companion);
-      eig.compute(companion, false);
+void PolyRoots(TVec& Roots, const TVec& Coeffs) {
+  detail::RaisingOutOfMemory([&] {
+    detail::RequireReal(Coeffs);
+    const double* c = Coeffs.data();
+    int first = 0, last = Coeffs.Length();
+    while (first < last && c[first] == 0.0) ++first;  // leading zeros lower the degree
+    int zeroRoots = 0;
+    while (last > first && c[last - 1] == 0.0) --last, ++zeroRoots;  // x^k factors: exact zero roots
+    const int degree = last > first ? last - first - 1 : 0;
+    Eigen::VectorXcd roots = Eigen::VectorXcd::Zero(degree + zeroRoots);
+    bool finite = true;
+    for (int i = first; i < last; ++i) finite = finite && std::isfinite(c[i]);
+    if (degree > 0) {
+      // Companion matrix: first row -c[1..]/c[0], ones below the diagonal.
+      Eigen::MatrixXd companion = Eigen::MatrixXd::Zero(degree, degree);
+      for (int j = 0; j < degree; ++j) companion(0, j) = -c[first + 1 + j] / c[first];
+      for (int i = 1; i < degree; ++i) companion(i, i - 1) = 1.0;
+      Eigen::EigenSolver<Eigen::MatrixXd> eig;
+      if (finite && companion.allFinite()) {
+        balance(companion);
+        eig.compute(companion, false);
+      }
+      if (finite && companion.allFinite() && eig.info() == Eigen::Success) roots.head(degree) = eig.eigenvalues();
+      else roots.head(degree).setConstant(Cplx(NAN, NAN));
     }
-    if (finite && companion.allFinite() && eig.info() == Eigen::Success) roots.head(degree) = eig.eigenvalues();
-    else roots.head(degree).setConstant(Cplx(NAN, NAN));
-  }
-  Roots.Size(static_cast<int>(roots.size()), true);
-  if (roots.size() > 0) std::memcpy(Roots.data(), roots.data(), sizeof(Cplx) * roots.size());
-} catch (const std::bad_alloc&) {
-  ERaise(msg::OutOfMemory);
+    Roots.Size(static_cast<int>(roots.size()), true);
+    if (roots.size() > 0) std::memcpy(Roots.data(), roots.data(), sizeof(Cplx) * roots.size());
+  });
 }
 
 }  // namespace statkit

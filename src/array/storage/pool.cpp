@@ -8,6 +8,7 @@
 #include <mutex>
 #include <vector>
 
+#include "array/checks.h"
 #include "statkit/array/Pool.h"
 
 namespace statkit {
@@ -33,11 +34,7 @@ public:
         return obj;
       }
     }
-    try {
-      return new T();
-    } catch (const std::bad_alloc&) {
-      ERaise(msg::OutOfMemory);
-    }
+    return detail::RaisingOutOfMemory([] { return new T(); });
   }
 
   void Release(T* obj) noexcept {
@@ -108,7 +105,7 @@ void Release(TMtx*& m) noexcept {
 int PoolOutstanding() { return outstanding.load(std::memory_order_relaxed); }
 
 void EnlistIt(TMtx& a, TMtx& b, T2DSampleArray& A, T2DSampleArray& B) {
-  if (a.Complex() || b.Complex()) ERaise(msg::ComplexNotSupported);
+  detail::RequireReal(a, b);
   A = T2DSampleArray(a.data(), a.Rows(), a.Cols());
   B = T2DSampleArray(b.data(), b.Rows(), b.Cols());
 }

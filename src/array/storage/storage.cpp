@@ -13,6 +13,7 @@
 #include <sys/mman.h>
 #endif
 
+#include "array/checks.h"
 #include "statkit/array/Kalpa.h"
 #include "statkit/array/Math.h"
 
@@ -65,12 +66,8 @@ void TKalpa::Allocate(int len, bool complex, bool keep) {
   if (IsView()) ERaise(msg::SizeMismatch);
   std::size_t need = doublesFor(len, complex);
   if (!buf_ || buf_.use_count() > 1 || buf_->capacity < need) {
-    std::shared_ptr<detail::Buffer> fresh;
-    try {
-      fresh = std::make_shared<detail::Buffer>(std::max<std::size_t>(need, 1));
-    } catch (const std::bad_alloc&) {
-      ERaise(msg::OutOfMemory);
-    }
+    std::shared_ptr<detail::Buffer> fresh =
+        detail::RaisingOutOfMemory([&] { return std::make_shared<detail::Buffer>(std::max<std::size_t>(need, 1)); });
     if (keep && base_) std::memcpy(fresh->data, base_, std::min(Doubles(), need) * sizeof(double));
     buf_ = std::move(fresh);
   }
@@ -136,7 +133,7 @@ void TKalpa::Copy(const TKalpa& Src, int SrcIndex, int Index, int Len) {
 
 void TKalpa::CopyFromArray(std::span<const double> Src, int SrcIndex, int Index, int Len) {
   if (SrcIndex < 0 || Len < 0 || static_cast<std::size_t>(SrcIndex) + Len > Src.size()) ERaise(msg::IndexOutOfRange);
-  if (complex_) ERaise(msg::ComplexNotSupported);
+  detail::RequireReal(*this);
   CheckRange(Index, Len);
   if (Len > 0) std::memmove(base_ + Index, Src.data() + SrcIndex, Len * sizeof(double));
 }
@@ -313,12 +310,12 @@ int TVec::IValue(int i) const {
 }
 
 double* TVec::begin() {
-  if (Complex()) detail::RaiseComplex();
+  detail::RequireReal(*this);
   return data();
 }
 double* TVec::end() { return begin() + Length(); }
 const double* TVec::begin() const {
-  if (Complex()) detail::RaiseComplex();
+  detail::RequireReal(*this);
   return data();
 }
 const double* TVec::end() const { return begin() + Length(); }
@@ -406,7 +403,7 @@ void TVec::Diag(const TMtx& Mtx, int k) {
 }
 
 void TVec::Ramp(double Offset, double Step) {
-  if (Complex()) detail::RaiseComplex();
+  detail::RequireReal(*this);
   double* d = data();
   for (int i = 0; i < Length(); ++i) d[i] = Offset + i * Step;
 }
