@@ -1,7 +1,6 @@
 // Covariance and correlation matrices (real or complex, divisor n or n - 1),
 // autocovariance and autocorrelation of a series, and partial autocorrelation
-// by the Durbin-Levinson recursion (Durbin 1960; Brockwell and Davis,
-// Time Series: Theory and Methods, 2nd ed., section 5.2).
+// by the array layer's Durbin-Levinson recursion.
 // Sums are formed from centred data: the one-pass textbook formula cancels
 // catastrophically on offset data such as NIST's NumAcc4.
 
@@ -177,10 +176,7 @@ void AutoCov(const TVec& Src, TVec& Dst, int Lags) {
   if (Lags < 0) Lags = Ceil(10.0 * Log10(n));
   if (Lags == std::numeric_limits<int>::max()) ERaise(msg::IntegerOverflow);  // Lags + 1 elements
   PooledVec centred;
-  centred->Copy(Src);
-  // the mean twice: the second pass removes what the rounding of the first left behind
-  centred->Offset(-centred->Mean());
-  centred->Offset(-centred->Mean());
+  centred->Centre(Src);
   // lags from n on have no pairs: they are the zeros that the resize appends
   Dst.AutoCorrBiased(*centred, std::min(Lags, n - 1));
   Dst.Resize(Lags + 1);
@@ -195,27 +191,7 @@ void ACF(const TVec& Src, TVec& Dst, int Lags) {
 
 void PACF(const TVec& Src, TVec& Phi, TVec& Dst, TVec& ErrVar) {
   if (Src.Length() < 2) ERaise("PACF: Src.Length < 2");
-  if (Src.Complex()) ERaise(msg::ComplexNotSupported);
-  const std::vector<double> r(Src.begin(), Src.end());  // read before any output is sized
-  const int m = static_cast<int>(r.size()) - 1;
-  std::vector<double> phi(m, 0.0), prev(m), pac(m), err(m, 0.0);
-  err[0] = r[0];
-  for (int k = 0; k < m; ++k) {
-    double s = 0.0;
-    for (int j = 0; j < k; ++j) s += phi[j] * r[k - j];
-    phi[k] = (r[k + 1] - s) / err[k];
-    pac[k] = phi[k];
-    // the order-(k+1) coefficients from the order-k ones, all read before any is replaced
-    std::copy(phi.begin(), phi.begin() + k, prev.begin());
-    for (int j = 0; j < k; ++j) phi[j] = prev[j] - phi[k] * prev[k - 1 - j];
-    if (k < m - 1) err[k + 1] = err[k] * (1.0 - phi[k] * phi[k]);
-  }
-  Phi.Size(m);
-  Dst.Size(m);
-  ErrVar.Size(m);
-  std::copy(phi.begin(), phi.end(), Phi.data());
-  std::copy(pac.begin(), pac.end(), Dst.data());
-  std::copy(err.begin(), err.end(), ErrVar.data());
+  DurbinLevinson(Src, Phi, Dst, ErrVar);
 }
 
 void PACF(const TVec& Src, TVec& Dst) {

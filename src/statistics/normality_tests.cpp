@@ -50,8 +50,6 @@ double oneMinusW(const TVec& a, TVec& xc, double s) {
   return (1.0 - s) + s * (xc.SumOfSquares() / SS);
 }
 
-void centred(const TVec& Data, TVec& xc) { xc.Normalize(Data, Data.Mean(), 1.0); }
-
 // Both tests map their statistic to an approximately standard normal z that
 // grows as the sample departs from normality; the two-tailed significance is
 // the smaller tail, not doubled.
@@ -103,7 +101,7 @@ void ShapiroWilks(const TVec& Data, THypothesisResult& hRes, double& Signif, THy
     PooledVec m, a, xc;
     normalScores(n, *m);
     const double s = shapiroWilkCoefficients(*m, *a);
-    centred(Data, *xc);
+    xc->Centre(Data);
     const double y = std::log(oneMinusW(*a, *xc, s));
     // Royston's normalisation of ln(1 - W): a further log transform with
     // polynomials in n for 4..11 values, polynomials in ln n otherwise.
@@ -132,7 +130,7 @@ void ShapiroFrancia(const TVec& Data, THypothesisResult& hRes, double& Signif, T
     const int n = Data.Length();
     PooledVec m, xc;
     normalScores(n, *m);
-    centred(Data, *xc);
+    xc->Centre(Data);
     const double y = std::log(oneMinusW(*m, *xc, 1.0));
     const double u = std::log(double(n)), v = std::log(u);
     const double mu = 1.0521 * (v - u) - 1.2725;

@@ -182,6 +182,10 @@ public:
   /// \brief Self[i] = (Vec[i] - Sub) / Div.
   void Normalize(const TDenseKalpa& Vec, double Sub, double Div);
   void Normalize(const TDenseKalpa& Vec, TCplx Sub, double Div);
+  /// \brief Self = Vec minus its mean (real data): the mean is refined by the mean of the
+  /// first deviations, which removes what its rounding left, so the result sums to zero
+  /// to rounding even on data offset far from zero. Raises "Empty vector" for no data.
+  void Centre(const TDenseKalpa& Vec);
 
   /// \brief Absolute value (magnitude for complex data; the result is real).
   void Abs();
@@ -490,5 +494,13 @@ private:
 /// zeros are dropped, trailing zeros give exact zero roots, a constant or zero polynomial
 /// gives none, and a non-finite coefficient gives NaN roots.
 STATKIT_API void PolyRoots(TVec& Roots, const TVec& Coeffs);
+
+/// \brief Solves the Yule-Walker equations of orders 1..m for the autocovariances (or
+/// autocorrelations) R[0..m] by the Durbin-Levinson recursion, in O(m^2): \p Phi gets the
+/// order-m autoregressive coefficients, \p Reflection the partial autocorrelations of lags
+/// 1..m (the last coefficient of each order), \p ErrVar the prediction error variances of
+/// orders 0..m-1 (ErrVar[0] = R[0]). Each output has m elements and may be R itself; m = 0
+/// leaves them empty. A zero error variance divides by zero the IEEE way.
+STATKIT_API void DurbinLevinson(const TVec& R, TVec& Phi, TVec& Reflection, TVec& ErrVar);
 
 }  // namespace statkit

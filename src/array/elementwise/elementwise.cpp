@@ -331,6 +331,13 @@ void TDenseKalpa::Normalize(const TDenseKalpa& Vec, TCplx Sub, double Div) {
   mapComplex(data(), Vec.data(), Length(), [Sub, Div](Cplx a) { return (a - Sub) / Div; });
 }
 
+void TDenseKalpa::Centre(const TDenseKalpa& Vec) {
+  detail::RequireReal(Vec);
+  const double m = Vec.Mean();
+  Normalize(Vec, m, 1.0);
+  Offset(-Mean());
+}
+
 void TDenseKalpa::Abs() { Abs(*this); }
 
 void TDenseKalpa::Abs(const TDenseKalpa& Src) {

@@ -1,8 +1,11 @@
 // Matrices given by a few parameters: Toeplitz (constant along each diagonal)
-// and Vandermonde (powers of the nodes, highest first, as numpy.vander).
-// Inputs are copied before Self is written, so a view of Self's storage may be
-// passed in; running out of memory for those copies raises the layer's own message.
+// and Vandermonde (powers of the nodes, highest first, as numpy.vander), and the
+// symmetric Toeplitz systems of autoregression solved by the Durbin-Levinson
+// recursion (Durbin 1960; Brockwell and Davis, Time Series: Theory and Methods,
+// 2nd ed., section 5.2). Inputs are copied before any output is written, so a
+// view of an output's storage may be passed in.
 
+#include <algorithm>
 #include <new>
 #include <vector>
 
@@ -44,6 +47,33 @@ void TMtx::VanderMonde(int Cols, const TVec& Vec) {
         power *= nodes[i];
       }
     }
+  });
+}
+
+void DurbinLevinson(const TVec& R, TVec& Phi, TVec& Reflection, TVec& ErrVar) {
+  detail::RaisingOutOfMemory([&] {
+    detail::RequireReal(R);
+    const std::vector<double> r(R.begin(), R.end());  // read before any output is sized
+    const int m = r.empty() ? 0 : static_cast<int>(r.size()) - 1;
+    std::vector<double> phi(m, 0.0), prev(m), pac(m), err(m, 0.0);
+    if (m > 0) err[0] = r[0];
+    for (int k = 0; k < m; ++k) {
+      double s = 0.0;
+      for (int j = 0; j < k; ++j) s += phi[j] * r[k - j];
+      phi[k] = (r[k + 1] - s) / err[k];
+      pac[k] = phi[k];
+      // the order-(k+1) coefficients from the order-k ones, all read before any is replaced
+      std::copy(phi.begin(), phi.begin() + k, prev.begin());
+      for (int j = 0; j < k; ++j) phi[j] = prev[j] - phi[k] * prev[k - 1 - j];
+      if (k < m - 1) err[k + 1] = err[k] * (1.0 - phi[k] * phi[k]);
+    }
+    const auto store = [m](TVec& dst, const std::vector<double>& v) {
+      dst.Size(m);
+      std::copy(v.begin(), v.end(), dst.data());
+    };
+    store(Phi, phi);
+    store(Reflection, pac);
+    store(ErrVar, err);
   });
 }
 
