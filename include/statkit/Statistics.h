@@ -56,6 +56,8 @@ inline constexpr std::array<std::string_view, 5> TPercentileMethodNames{
 /// \brief The distinct values of \p Src in ascending order (neighbours compared with Equal).
 STATKIT_API void Unique(const TVec& Src, TVec& Dst);
 /// \brief Ranks from 1 with ties averaged; \p TieSum = sum over tie groups of t (t^2 - 1) / 2.
+/// NaNs sort last and count in n: each NaN is tied with nothing (NaN equals no value) and takes the
+/// next rank after every number, in the order of \p Data. Empty \p Data leaves both outputs alone.
 STATKIT_API void TiedRanks(const TVec& Data, TVec& Ranks, double& TieSum);
 
 // --- location, spread and moments -------------------------------------------
@@ -82,6 +84,8 @@ STATKIT_API void ZScore(const TMtx& Data, TMtx& Dst);
 // --- percentiles and histograms ---------------------------------------------
 
 /// \brief The p-quantile of \p X by the rule \p Method.
+/// NaNs sort last and count in n: they take the top positions x(n - k + 1) .. x(n), so a quantile that
+/// reaches one of them is NaN and the others are read from the numbers below them.
 STATKIT_API double Percentile(const TVec& X, double p, TPercentileMethod Method);
 /// \brief Upper minus lower quartile; 0 when the percentiles cannot be computed.
 STATKIT_API double InterQuartile(const TVec& X, TPercentileMethod Method);
@@ -128,6 +132,9 @@ STATKIT_API void PACF(const TVec& Src, TVec& Dst);
 // null pointer skips it).
 
 /// \brief Z test of the mean with known standard deviation \p Sigma.
+/// \p Sigma is used as given, unchecked: Sigma = 0 gives an infinite z (significance 0 or 1) and an
+/// interval of width 0, or NaN and hrNan when the sample mean equals \p Mean; a negative Sigma flips
+/// the sign of z and reverses the interval (lower limit above the upper). NaN Sigma: hrNan, NaN limits.
 STATKIT_API void ZTest(const TVec& Data, double Mean, double Sigma, THypothesisResult& hRes, double& Signif,
                        double* ConfInt, THypothesisType hType, double Alpha);
 /// \brief One-sample t test of the mean.
@@ -137,9 +144,12 @@ STATKIT_API void tTest(const TVec& Data, double Mean, THypothesisResult& hRes, d
 STATKIT_API void tTest(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes, double& Signif,
                        double* ConfInt, bool Paired, THypothesisType hType, double Alpha);
 /// \brief Sign test of the median (\p ConfInt is not written).
+/// Data equal to \p Median and NaN data are dropped (n counts the rest). A NaN \p Median is undecidable:
+/// hrNan and a NaN significance.
 STATKIT_API void SignTest(const TVec& Data, double Median, THypothesisResult& hRes, double& Signif,
                           double* ConfInt, THypothesisType hType, double Alpha);
-/// \brief Paired sign test.
+/// \brief Paired sign test: the one-sample test of Data1 - Data2 against 0. A pair with a NaN gives a NaN
+/// difference and is dropped like a zero difference, silently: n counts the pairs that remain.
 STATKIT_API void SignTest(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes, double& Signif,
                           double* ConfInt, THypothesisType hType, double Alpha);
 
@@ -157,12 +167,18 @@ STATKIT_API void BarlettTest(const TMtx& Data, int& NumComp, TVec& Signif, TPCAM
 // --- rank tests -------------------------------------------------------------
 
 /// \brief Wilcoxon signed-rank test of the median (exact below 15 non-zero differences).
+/// Data equal to \p Median and NaN data are dropped (n counts the rest). A NaN \p Median is undecidable:
+/// hrNan, a NaN significance and NaN limits.
 STATKIT_API void WilcoxonSign(const TVec& Data, double Median, THypothesisResult& hRes, double& Signif,
                               double* ConfInt, THypothesisType hType, double Alpha);
-/// \brief Paired Wilcoxon signed-rank test.
+/// \brief Paired Wilcoxon signed-rank test: the one-sample test of Data1 - Data2 against 0. A pair with a
+/// NaN gives a NaN difference and is dropped like a zero difference, silently: n counts the pairs that remain.
 STATKIT_API void WilcoxonSign(const TVec& Data1, const TVec& Data2, THypothesisResult& hRes, double& Signif,
                               double* ConfInt, THypothesisType hType, double Alpha);
 /// \brief Spearman's rank correlation \p Rs with its t test and Fisher interval.
+/// Rs = 1 - 6 sum (RX - RY)^2 / (n^3 - n) on the TiedRanks of X and Y, with no tie correction: on tied
+/// data it is not the correlation of the ranks. A constant X (all ranks (n + 1) / 2) against an untied Y
+/// gives Rs = 1/2, not 0/0. NaNs rank last as in TiedRanks and count in n.
 STATKIT_API void SpearmanRankCorr(const TVec& X, const TVec& Y, double& Rs, THypothesisResult& hRes,
                                   double& Signif, double* ConfInt, THypothesisType hType, double Alpha);
 

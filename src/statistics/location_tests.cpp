@@ -108,8 +108,10 @@ void SignTest(const TVec& Data, double Median, THypothesisResult& hRes, double& 
   if (Data.Complex()) ERaise("SignTest: Data.Complex := true");
   if (!core::ValidAlpha(Alpha)) ERaise("SignTest :(alpha<=0) or (alpha>=1)");
   core::Guarded("SignTest : ", [&] {
+    // A NaN median leaves no sign to count: undecidable (there is no interval to write).
+    if (IsNan(Median)) return core::SetUndecided(hRes, Signif, nullptr);
     // The differences are classified as they are formed: a zero difference
-    // (a tie with the median) or a NaN leaves the count.
+    // (a tie with the median) or a NaN datum leaves the count.
     int n = Data.Length(), npos = 0;
     const double* x = Data.data();
     for (int i = 0; i < Data.Length(); ++i) {

@@ -130,6 +130,7 @@ double Percentile(const TVec& X, double p, TPercentileMethod Method) {
     if (r.k == 0) return 0.0;  // not a rule of TPercentileMethod
     // x(k + 1) is read only when it has weight: an infinite neighbour must not turn 0 * INF into NaN
     const bool two = r.average || r.f != 0.0;
+    // NaNs order after +INF and count in n, as in a sort: a rank that reaches them reads NaN.
     double x[2];
     X.SelectRanks(r.k - 1, std::span<double>(x, two ? 2 : 1));
     if (r.average) return 0.5 * (x[0] + x[1]);

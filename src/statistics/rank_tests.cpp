@@ -63,6 +63,8 @@ void WilcoxonSign(const TVec& Data, double Median, THypothesisResult& hRes, doub
       Signif = NAN;
       return;
     }
+    // A NaN median leaves no difference to rank: undecidable, with no interval.
+    if (IsNan(Median)) return core::SetUndecided(hRes, Signif, ConfInt);
     // The non-zero differences in their order (ties with the median and NaNs drop out).
     PooledVec D, absD, R;
     D->Size(Data.Length());
@@ -139,6 +141,8 @@ void SpearmanRankCorr(const TVec& X, const TVec& Y, double& Rs, THypothesisResul
   // numerators are whole (or quarter-whole) numbers, exact in double below
   // about 2e5 values, so none of the three loses digits to a subtraction
   // (Rs near 0, 1 - Rs^2 and Fisher's z near Rs = +-1).
+  // The untied formula on tied ranks, as defined: a constant X against an untied Y gives
+  // S = (n^3 - n) / 12 and Rs = 1/2, not the 0/0 of a correlation of the ranks.
   const double nn = n;
   const double den = (nn * nn - 1.0) * nn;
   Rs = (den - 6.0 * S) / den;

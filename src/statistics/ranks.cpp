@@ -46,7 +46,8 @@ void TiedRanks(const TVec& Data, TVec& Ranks, double& TieSum) {
   const double* s = sorted->data();
   Ranks.Size(n);  // Data has been copied: Ranks may be Data
   double ties = 0.0;
-  int first = 0;  // start of the current run; exact equality, so NaNs never tie
+  // NaNs sort last and keep their order: exact equality never ties them, so each takes its own rank.
+  int first = 0;  // start of the current run
   for (int k = 1; k <= n; ++k) {
     if (k < n && s[k] == s[first]) continue;
     ties += closeRun(position->data(), first, k - 1, Ranks.data());

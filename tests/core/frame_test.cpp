@@ -56,12 +56,11 @@ double OuterOp(const TVec& x, Fault fault) {
 TEST(CallingFrame, EveryBlockAddsOnePrefixFromTheOutsideIn) {
   TVec x{1, 2, 3};
   TVec empty;
-  struct Case {
-    const char* what;
+  const struct {
+    const char* label;
     std::function<double()> call;
     std::string message;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"own check, no block", [&] { return InnerOp(empty, Fault::none); }, "InnerOp: X.Length = 0"},
       {"inner check through the outer block", [&] { return OuterOp(empty, Fault::none); },
        "OuterOp : InnerOp: X.Length = 0"},
@@ -78,11 +77,7 @@ TEST(CallingFrame, EveryBlockAddsOnePrefixFromTheOutsideIn) {
        }()},
       {"anything else", [&] { return OuterOp(x, Fault::unknownException); }, "OuterOp : InnerOp : Unknown error"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    test::PoolBalance balance;
-    EXPECT_TRUE(test::RaisesExactly(c.call, c.message));
-  }
+  test::ExpectEachRaises(cases);
   test::PoolBalance balance;
   EXPECT_EQ(OuterOp(x, Fault::none), 14 + 3);
 }
@@ -128,16 +123,6 @@ TEST(TestDecision, RejectsAtOrBelowAlphaAndCannotDecideNaN) {
   EXPECT_FALSE(ValidAlpha(1.0));
   EXPECT_FALSE(ValidAlpha(NAN));
   EXPECT_TRUE(ValidAlpha(0.5));
-}
-
-TEST(Enumerations, PublishTheirValueNamesInOrder) {
-  EXPECT_EQ(THypothesisTypeNames[htLeftTailed], "htLeftTailed");
-  EXPECT_EQ(THypothesisResultNames[hrNan], "hrNan");
-  EXPECT_EQ(TPCAModeNames[PCACovMat], "PCACovMat");
-  EXPECT_EQ(TTestDistributionNames[distWeibull], "distWeibull");
-  EXPECT_EQ(TPercentileMethodNames[pctMethodEDFAve], "pctMethodEDFAve");
-  static_assert(sizeof(THypothesisType) == 1 && sizeof(TPercentileMethod) == 1);
-  static_assert(pctMethodEDF == 3 && distNormal == 3 && hrNan == 2);
 }
 
 }  // namespace

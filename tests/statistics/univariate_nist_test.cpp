@@ -5,24 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <fstream>
 #include <string>
 
 #include "statkit/Statistics.h"
 #include "support/fixture.h"
+#include "support/nist.h"
 
 namespace statkit::Statistics {
 namespace {
-
-// The data start on line 61 of every univariate file (CRLF line ends).
-TVec readUnivariate(const std::string& path) {
-  std::ifstream in(path);
-  std::vector<double> y;
-  std::string line;
-  for (int lineNo = 1; std::getline(in, line); ++lineNo)
-    if (lineNo >= 61 && line.find_first_not_of(" \r") != std::string::npos) y.push_back(std::stod(line));
-  return TVec(y);
-}
 
 TEST(NistUnivariate, MeanStdDevAndLag1AutocorrelationReachTheAttainableDigits) {
   const std::string dir = test::StrdDir();
@@ -30,7 +20,8 @@ TEST(NistUnivariate, MeanStdDevAndLag1AutocorrelationReachTheAttainableDigits) {
   for (const auto& r : test::LoadFixture("univariate_nist.txt")) {
     const std::string name = r.Str("name");
     SCOPED_TRACE(name);
-    const TVec y = readUnivariate(dir + "/univ/" + name + ".dat");
+    const test::StrdSet set = test::ReadStrd("univ/" + name);
+    const TVec y = set.Column(0);
     ASSERT_EQ(y.Length(), r.Int("n"));
     TMtx column(y.Length(), 1);
     std::copy(y.begin(), y.end(), column.data());
@@ -40,11 +31,15 @@ TEST(NistUnivariate, MeanStdDevAndLag1AutocorrelationReachTheAttainableDigits) {
     // each fixture line: certified value, the exact value of the doubles, best attainable LRE
     const struct {
       const char* key;
+      const char* certified;
       double value;
-    } stats[] = {{"mean", y.Mean()}, {"sd", sd[0]}, {"r1", acf[1]}};
+    } stats[] = {{"mean", "Sample Mean", y.Mean()},
+                 {"sd", "Sample Standard Deviation", sd[0]},
+                 {"r1", "Sample Autocorrelation", acf[1]}};
     std::printf("  %-9s", name.c_str());
     for (const auto& s : stats) {
       const auto c = r.Nums(s.key);
+      EXPECT_EQ(set.Values(s.certified)[0], c[0]) << s.key << ": the file and the fixture disagree";
       const double lre = test::LRE(s.value, c[0]);
       std::printf("  %s LRE %5.2f (best %5.2f)", s.key, lre, c[2]);
       EXPECT_GE(lre, c[2] - 0.5) << s.key << " = " << s.value << ", certified " << c[0];

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <string>
 
@@ -51,5 +52,32 @@ public:
 private:
   int before_;
 };
+
+/// One bad call and the exact message it must raise (label: what the row is, when the message does not say it).
+struct RaiseCase {
+  std::string message;
+  std::function<void()> call;
+  std::string label = {};
+};
+
+/// Runs every case of \p cases (any rows with members message, call and label): each must raise exactly
+/// its message and give back every pool temporary; \p after(row) then checks what the row must leave.
+template <class Cases, class After>
+void ExpectEachRaises(const Cases& cases, After after) {
+  int row = 0;
+  for (const auto& c : cases) {
+    const std::string label(c.label);
+    SCOPED_TRACE(label.empty() ? "row " + std::to_string(row) + ": " + std::string(c.message) : label);
+    ++row;
+    PoolBalance balance;
+    EXPECT_TRUE(RaisesExactly(c.call, c.message));
+    after(c);
+  }
+}
+
+template <class Cases>
+void ExpectEachRaises(const Cases& cases) {
+  ExpectEachRaises(cases, [](const auto&) {});
+}
 
 }  // namespace statkit::test

@@ -104,6 +104,7 @@ void TKalpa::CheckRange(int index, int len) const {
 void TKalpa::set_Complex(bool Value) {
   if (Value == complex_) return;
   if (Value && length_ % 2 != 0) ERaise(msg::SizeMismatch);
+  if (!Value && length_ > std::numeric_limits<int>::max() / 2) ERaise(msg::IntegerOverflow);
   int len = Value ? length_ / 2 : length_ * 2;
   if (IsView()) ERaise(msg::SizeMismatch);
   // Reinterpretation keeps every double where it is.
@@ -127,7 +128,7 @@ void TKalpa::Copy(const TKalpa& Src, int SrcIndex, int Index, int Len) {
   if (Src.complex_ != complex_) ERaise(msg::ComplexNotSupported);
   Src.CheckRange(SrcIndex, Len);
   CheckRange(Index, Len);
-  int w = complex_ ? 2 : 1;
+  const std::size_t w = complex_ ? 2 : 1;
   if (Len > 0) std::memmove(base_ + Index * w, Src.base_ + SrcIndex * w, doublesFor(Len, complex_) * sizeof(double));
 }
 
@@ -140,13 +141,14 @@ void TKalpa::CopyFromArray(std::span<const double> Src, int SrcIndex, int Index,
 
 void TKalpa::SetSubIndex(int BeginIndex, int EndIndex) {
   if (narrowed_) SetFullRange();
-  int len = EndIndex - BeginIndex + 1;
-  CheckRange(BeginIndex, len);
+  // The length in 64 bits: EndIndex - BeginIndex + 1 overflows an int for far-apart arguments.
+  const long long len = static_cast<long long>(EndIndex) - BeginIndex + 1;
+  if (BeginIndex < 0 || len < 0 || len > length_ - BeginIndex) ERaise(msg::IndexOutOfRange);
   fullBase_ = base_;
   fullLength_ = length_;
   narrowed_ = true;
   base_ += static_cast<std::size_t>(BeginIndex) * (complex_ ? 2 : 1);
-  length_ = len;
+  length_ = static_cast<int>(len);
   OnLengthChanged();
 }
 
@@ -392,13 +394,13 @@ void TVec::GetCol(const TMtx& Mtx, int Index) {
 }
 
 void TVec::Diag(const TMtx& Mtx, int k) {
-  int r0 = k < 0 ? -k : 0, c0 = k > 0 ? k : 0;
-  int n = std::max(0, std::min(Mtx.Rows() - r0, Mtx.Cols() - c0));
-  if ((k > 0 && k >= Mtx.Cols() && Mtx.Cols() > 0) || (k < 0 && -k >= Mtx.Rows() && Mtx.Rows() > 0))
-    ERaise(msg::IndexOutOfRange);
+  // The offsets in 64 bits: -k overflows an int for k = INT_MIN.
+  const long long r0 = k < 0 ? -static_cast<long long>(k) : 0, c0 = k > 0 ? k : 0;
+  if ((c0 >= Mtx.Cols() && Mtx.Cols() > 0) || (r0 >= Mtx.Rows() && Mtx.Rows() > 0)) ERaise(msg::IndexOutOfRange);
+  const int n = static_cast<int>(std::max(0LL, std::min(Mtx.Rows() - r0, Mtx.Cols() - c0)));
   TVec tmp;
   tmp.Size(n, Mtx.Complex());
-  for (int i = 0; i < n; ++i) tmp.Copy(Mtx, (r0 + i) * Mtx.Cols() + c0 + i, i, 1);
+  for (int i = 0; i < n; ++i) tmp.Copy(Mtx, static_cast<int>((r0 + i) * Mtx.Cols() + c0 + i), i, 1);
   Copy(tmp);
 }
 
@@ -504,11 +506,11 @@ void TMtx::OnLengthChanged() {
   } else if (fullRows_ >= 0) {
     SetShape(fullRows_, fullCols_);
     fullRows_ = fullCols_ = -1;
-  } else if (Length() != rows_ * cols_) {
+  } else if (const long long n = Length(), was = static_cast<long long>(rows_) * cols_; n != was) {
     // The complex flag was switched (pairs of columns become one) or the storage was given up.
-    if (Length() == 0) SetShape(0, 0);
-    else if (2 * Length() == rows_ * cols_ && cols_ % 2 == 0) SetShape(rows_, cols_ / 2);
-    else if (Length() == 2 * rows_ * cols_) SetShape(rows_, 2 * cols_);
+    if (n == 0) SetShape(0, 0);
+    else if (2 * n == was && cols_ % 2 == 0) SetShape(rows_, cols_ / 2);
+    else if (n == 2 * was) SetShape(rows_, 2 * cols_);
     else SetShape(Length(), 1);
   }
 }
@@ -568,9 +570,9 @@ void TMtx::SetCol(const TDenseKalpa& Vec, int Index) {
   if (Vec.Complex() != Complex()) ERaise(msg::ComplexNotSupported);
   TVec copy;
   copy.Copy(Vec);  // Vec may be a view on Self
-  int w = Complex() ? 2 : 1;
-  for (int r = 0; r < rows_; ++r)
-    for (int k = 0; k < w; ++k) data()[(static_cast<std::size_t>(r) * cols_ + Index) * w + k] = copy.data()[r * w + k];
+  const std::size_t w = Complex() ? 2 : 1;
+  for (std::size_t r = 0; r < static_cast<std::size_t>(rows_); ++r)
+    for (std::size_t k = 0; k < w; ++k) data()[(r * cols_ + Index) * w + k] = copy.data()[r * w + k];
 }
 
 void TMtx::Eye(int Rows, int Cols, bool Complex) {
@@ -583,12 +585,15 @@ namespace {
 /// The matrices side by side (\p horizontal) or stacked, in a new matrix.
 TMtx concatenated(std::initializer_list<std::reference_wrapper<const TMtx>> Src, bool horizontal) {
   const TMtx* first = Src.size() ? &Src.begin()->get() : nullptr;
-  int shared = first ? (horizontal ? first->Rows() : first->Cols()) : 0, total = 0;
+  int shared = first ? (horizontal ? first->Rows() : first->Cols()) : 0;
+  long long total = 0;  // 64 bits: matrices with no rows may each have INT_MAX columns
   for (const TMtx& m : Src) {
     if ((horizontal ? m.Rows() : m.Cols()) != shared) ERaise(msg::SizeMismatch);
     total += horizontal ? m.Cols() : m.Rows();
   }
-  TMtx out = horizontal ? TMtx(shared, total, first && first->Complex()) : TMtx(total, shared, first && first->Complex());
+  if (total > std::numeric_limits<int>::max()) ERaise(msg::IntegerOverflow);
+  const int n = static_cast<int>(total);
+  TMtx out = horizontal ? TMtx(shared, n, first && first->Complex()) : TMtx(n, shared, first && first->Complex());
   int at = 0;
   for (const TMtx& m : Src) {
     out.Copy(m, 0, 0, horizontal ? 0 : at, horizontal ? at : 0, m.Rows(), m.Cols());

@@ -7,14 +7,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <fstream>
 #include <functional>
-#include <iterator>
-#include <sstream>
 
 #include "statkit/Array.h"
 #include "support/expect.h"
 #include "support/fixture.h"
+#include "support/nist.h"
 
 namespace statkit::test {
 namespace {
@@ -54,40 +52,6 @@ TEST(Pool, MatrixComesBackWithDefaultSolverOptions) {
   }
 }
 
-// A NIST StRD linear least squares set: parameter Bj multiplies x^j (one
-// predictor) or x_j (several); the header gives the lines of the certified
-// values and of the data.
-struct NistLls {
-  std::vector<int> powers;
-  std::vector<double> certified;
-  std::vector<std::vector<double>> data;  // y, x1, ...
-};
-
-NistLls readNistLls(const std::string& path) {
-  std::ifstream in(path);
-  std::vector<std::string> lines;
-  for (std::string l; std::getline(in, l);) lines.push_back(l.substr(0, l.find('\r')));
-  int range[2][2] = {{0, -1}, {0, -1}};  // certified values, data (1-based, inclusive)
-  for (int i = 0; i < 60 && i < static_cast<int>(lines.size()); ++i)
-    if (auto at = lines[i].find("(lines"); at != std::string::npos) {
-      int* r = range[lines[i].find("Certified") == std::string::npos];
-      std::sscanf(lines[i].c_str() + at, "(lines %d to %d)", &r[0], &r[1]);
-    }
-  NistLls set;
-  for (int i = range[0][0] - 1; i < range[0][1]; ++i) {
-    std::istringstream words(lines[i]);
-    std::string name;
-    double value;
-    if (words >> name >> value && name.size() > 1 && name[0] == 'B' && std::isdigit(name[1]))
-      set.powers.push_back(std::stoi(name.substr(1))), set.certified.push_back(value);
-  }
-  for (int i = range[1][0] - 1; i < range[1][1]; ++i) {
-    std::istringstream words(lines[i]);
-    set.data.emplace_back(std::istream_iterator<double>(words), std::istream_iterator<double>());
-  }
-  return set;
-}
-
 // Lowest LRE accepted per set. Refining the augmented system leaves cond(X),
 // not its square, in the coefficients' error, so every set keeps 13 digits
 // but Filip, whose design has cond 1.8e15 (cond x eps = 0.4: refinement no
@@ -99,21 +63,20 @@ TEST(LeastSquaresNist, CertifiedCoefficientsThroughHouseholderQr) {
       {"Norris", 13},   {"Pontius", 13},  {"NoInt1", 13},   {"NoInt2", 13},   {"Filip", 7},    {"Longley", 13},
       {"Wampler1", 13}, {"Wampler2", 13}, {"Wampler3", 13}, {"Wampler4", 13}, {"Wampler5", 13}};
   for (auto [name, minLre] : sets) {
-    NistLls set = readNistLls(dir + "/lls/" + name + ".dat");
-    const int n = static_cast<int>(set.data.size()), p = static_cast<int>(set.powers.size());
+    // Parameter Bk multiplies x^k (one predictor) or x_k (several).
+    const StrdSet set = ReadStrd(std::string("lls/") + name);
+    const int n = set.Rows(), p = static_cast<int>(set.params.size());
     ASSERT_GT(n * p, 0) << name;
     TMtx design(n, p);
-    TVec y = TVec(std::vector<double>(n)), b;
-    for (int i = 0; i < n; ++i) {
-      y[i] = set.data[i][0];
-      for (int j = 0; j < p; ++j) {
-        const int k = set.powers[j];
-        design(i, j) = set.data[i].size() == 2 ? std::pow(set.data[i][1], k) : k == 0 ? 1.0 : set.data[i][k];
-      }
+    TVec b;
+    for (int j = 0; j < p; ++j) {
+      const int k = std::stoi(set.params[j].substr(1));
+      for (int i = 0; i < n; ++i)
+        design(i, j) = set.columns.size() == 2 ? std::pow(set.columns[1][i], k) : k == 0 ? 1.0 : set.columns[k][i];
     }
-    design.LQRSolve(y, b);
+    design.LQRSolve(set.Column(0), b);
     double lre = 16;
-    for (int j = 0; j < p; ++j) lre = std::min(lre, LRE(b[j], set.certified[j]));
+    for (int j = 0; j < p; ++j) lre = std::min(lre, LRE(b[j], set.estimates[j]));
     std::printf("NIST %-9s coefficients LRE %.1f\n", name, lre);
     EXPECT_GE(lre, minLre) << name;
   }
@@ -302,28 +265,28 @@ TEST(LinearAlgebraErrors, ExactMessages) {
   const TVec two{1, 2}, three{1, 2, 3};
   TMtx out, m, cplx(1, 1, true);
   TVec x;
-  const std::pair<std::function<void()>, const char*> cases[] = {
-      {[&] { (m = singular).Inv(mtGeneral); }, "Singular matrix"},
-      {[&] { (m = nearSingular).Inv(mtGeneral); }, "Singular matrix"},  // reciprocal condition 1e-17
-      {[&] { TMtx{{1, 0}, {5, 0}}.LUSolve(two, x, mtTriangular); }, "Singular matrix"},
-      {[&] { dependent.LQRSolve(TVec{1, 2, 3, 4}, x); }, "Singular matrix"},
-      {[&] { TMtx{{1, 0}, {2, 0}, {3, 0}}.LQRSolve(three, x); }, "Singular matrix"},
-      {[&] { (m = indefinite).Cholesky(); }, "Matrix is not positive definite"},
-      {[&] { TMtx{{NAN, 0}, {0, 1}}.Cholesky(); }, "Matrix is not positive definite"},
-      {[&] { indefinite.LUSolve(two, x, mtPosDefSymmetric); }, "Matrix is not positive definite"},
-      {[&] { out.Mul(rect, rect); }, "Size mismatch"},
-      {[&] { out.Mul(rect, rect, mtSymmetric, mtGeneral, opNone, opTranspose); }, "Size mismatch"},
-      {[&] { x.TensorProd(rect, two); }, "Size mismatch"},
-      {[&] { rect.LUSolve(two, x); }, "Size mismatch"},
-      {[&] { singular.LUSolve(three, x); }, "Size mismatch"},
-      {[&] { empty.LUSolve(TVec{}, x); }, "Size mismatch"},
-      {[&] { empty.LQRSolve(TVec{}, x); }, "Size mismatch"},
-      {[&] { rect.LQRSolve(three, x); }, "Size mismatch"},
-      {[&] { out.Toeplitz(TVec{}, two); }, "Size mismatch"},
-      {[&] { cplx.Inv(mtGeneral); }, "Complex data not supported"},
-      {[&] { out.Mul(rect, rect, static_cast<TMtxOperation>(3), opNone); }, "Invalid parameter"},
+  const RaiseCase cases[] = {
+      {"Singular matrix", [&] { (m = singular).Inv(mtGeneral); }},
+      {"Singular matrix", [&] { (m = nearSingular).Inv(mtGeneral); }},  // reciprocal condition 1e-17
+      {"Singular matrix", [&] { TMtx{{1, 0}, {5, 0}}.LUSolve(two, x, mtTriangular); }},
+      {"Singular matrix", [&] { dependent.LQRSolve(TVec{1, 2, 3, 4}, x); }},
+      {"Singular matrix", [&] { TMtx{{1, 0}, {2, 0}, {3, 0}}.LQRSolve(three, x); }},
+      {"Matrix is not positive definite", [&] { (m = indefinite).Cholesky(); }},
+      {"Matrix is not positive definite", [&] { TMtx{{NAN, 0}, {0, 1}}.Cholesky(); }},
+      {"Matrix is not positive definite", [&] { indefinite.LUSolve(two, x, mtPosDefSymmetric); }},
+      {"Size mismatch", [&] { out.Mul(rect, rect); }},
+      {"Size mismatch", [&] { out.Mul(rect, rect, mtSymmetric, mtGeneral, opNone, opTranspose); }},
+      {"Size mismatch", [&] { x.TensorProd(rect, two); }},
+      {"Size mismatch", [&] { rect.LUSolve(two, x); }},
+      {"Size mismatch", [&] { singular.LUSolve(three, x); }},
+      {"Size mismatch", [&] { empty.LUSolve(TVec{}, x); }},
+      {"Size mismatch", [&] { empty.LQRSolve(TVec{}, x); }},
+      {"Size mismatch", [&] { rect.LQRSolve(three, x); }},
+      {"Size mismatch", [&] { out.Toeplitz(TVec{}, two); }},
+      {"Complex data not supported", [&] { cplx.Inv(mtGeneral); }},
+      {"Invalid parameter", [&] { out.Mul(rect, rect, static_cast<TMtxOperation>(3), opNone); }},
   };
-  for (const auto& bad : cases) EXPECT_RAISES(bad.first(), bad.second);
+  ExpectEachRaises(cases);
   TMtx u, w, withNan{{1, NAN}, {2, 3}};
   withNan.SVD(u, x, w);  // Eigen refuses non-finite input without results: NaN, not garbage
   EXPECT_TRUE(std::isnan(x[0]) && std::isnan(x[1]));
