@@ -58,11 +58,7 @@ void WilcoxonSign(const TVec& Data, double Median, THypothesisResult& hRes, doub
                   THypothesisType hType, double Alpha) {
   core::Guarded("WilcoxonSign : ", [&] {
     if (Data.Complex()) ERaise("WilcoxonSign: Data.Complex = true");
-    if (!core::ValidAlpha(Alpha)) {
-      hRes = hrNan;
-      Signif = NAN;
-      return;
-    }
+    if (!core::ValidAlpha(Alpha)) return core::SetUndecided(hRes, Signif, nullptr);  // the interval untouched
     // A NaN median leaves no difference to rank: undecidable, with no interval.
     if (IsNan(Median)) return core::SetUndecided(hRes, Signif, ConfInt);
     // The non-zero differences in their order (ties with the median and NaNs drop out).
