@@ -128,14 +128,10 @@ TEST(Decompositions, ReconstructWithOrthonormalFactors) {
     const int m = a.Rows(), n = a.Cols(), k = std::min(m, n);
     const double tol = 32 * kEps * m * n * 10;  // backward-stable factorisations of entries up to 10
     TMtx u, v, q, r, eye;
-    TVec s, sOnly;
-    a.SVD(u, s, v);
-    a.SVD(sOnly);
+    TVec s;
+    a.SVD(u, s, v);  // the values alone are held to R's eigenvalues by Bartlett's test
     ASSERT_TRUE(u.Rows() == m && u.Cols() == k && v.Rows() == n && v.Cols() == k && s.Length() == k);
-    for (int j = 0; j < k; ++j) {
-      EXPECT_EQ(s[j], sOnly[j]);
-      EXPECT_GE(s[j], j + 1 < k ? s[j + 1] : 0.0) << "singular values not descending";
-    }
+    for (int j = 0; j < k; ++j) EXPECT_GE(s[j], j + 1 < k ? s[j + 1] : 0.0) << "singular values not descending";
     EXPECT_LT(maxDiff(a,
                       [&](int i, int j) {
                         TCplx t = 0;
