@@ -4,11 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <climits>
 #include <functional>
-#include <numeric>
-#include <random>
 #include <variant>
 
 #include "statkit/Array.h"
@@ -75,32 +72,14 @@ TEST(Arithmetic, OutputsMayAliasInputs) {
 TEST(Arithmetic, InvElemGuardsTinyElements) {
   TMtx m{{2, 0}, {-1e-310, 1e-300}};
   m.InvElem(1e-305);
-  EXPECT_EQ(m(0, 0), 0.5);
-  EXPECT_EQ(m(0, 1), 1e305);   // zero counts as positive
-  EXPECT_EQ(m(1, 0), -1e305);  // the sign of a tiny element is kept
+  // zero counts as positive; the sign of a tiny element is kept
+  EXPECT_TRUE(m(0, 0) == 0.5 && m(0, 1) == 1e305 && m(1, 0) == -1e305);
   EXPECT_DOUBLE_EQ(m(1, 1), 1e300);
 }
 
-TEST(Sorting, MatchesAComparisonSortWithNaNsLast) {
-  std::mt19937_64 gen(42);
-  std::normal_distribution<double> normal(0, 1e3);
-  for (int n : {0, 1, 7, 2047, 2048, 100000}) {
-    SCOPED_TRACE(n);
-    std::vector<double> x(n);
-    for (auto& v : x) v = normal(gen);
-    for (int i = 0; i < n; i += 97) x[i] = -x[i == 0 ? 0 : i - 1];  // ties of opposite sign too
-    if (n > 10) x[3] = NAN, x[n - 2] = -INF, x[5] = INF, x[6] = -0.0, x[8] = 0.0;
-    TVec v(x);
-    v.SortAscend();
-    std::vector<double> want;
-    int nans = 0;
-    for (double t : x) std::isnan(t) ? ++nans : (want.push_back(t), 0);
-    std::sort(want.begin(), want.end());
-    for (int i = 0; i < static_cast<int>(want.size()); ++i) ASSERT_EQ(v[i], want[i]) << i;
-    for (int i = 0; i < nans; ++i) EXPECT_TRUE(std::isnan(v[n - 1 - i]));
-  }
-}
-
+// The sorted values are held to SciPy's ranks (tests/reference/ranks.txt: 3000
+// values for the radix path, infinities, signed zeros, subnormals) and, on 2^18
+// values with NaNs, to the selection of Percentile; here the permutation.
 TEST(Sorting, PermutationIsStableOnTies) {
   for (int n : {10, 5000}) {
     SCOPED_TRACE(n);
