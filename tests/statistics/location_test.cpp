@@ -47,15 +47,13 @@ TEST(Location, ClosedFormCases) {
   }
 }
 
+// Real StdCols is held to NIST's univariate sets; here the other direction and the complex forms.
 TEST(Location, RowsAndColumnsRealAndComplex) {
   const TMtx m{{1, 7, 4}, {3, 5, 4}};
   TVec d;
-  StdCols(m, d);
-  EXPECT_EQ(d.Length(), 3);
-  EXPECT_REL(d[0], std::sqrt(2.0), kEps);
-  EXPECT_EQ(d[2], 0.0);
   StdRows(m, d);
-  EXPECT_REL(d[1], 1.0, kEps);
+  ASSERT_EQ(d.Length(), 2);
+  EXPECT_TRUE(test::NearRel(d[0], 3.0, kEps) && test::NearRel(d[1], 1.0, kEps));
   RangeCols(m, d);
   EXPECT_EQ(d[1], 2.0);
   RangeRows(m, d);
