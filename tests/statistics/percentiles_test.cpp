@@ -26,8 +26,6 @@ TPercentileMethod methodByName(const std::string& name) {
   throw std::runtime_error("unknown method " + name);
 }
 
-std::vector<double> values(const TVec& v) { return {v.begin(), v.end()}; }
-
 TEST(Percentile, MatchesRQuantileAndTheClosestAndAveragedRules) {
   for (const auto& r : test::LoadFixture("percentiles.txt")) {
     test::PoolBalance pool;
@@ -148,10 +146,10 @@ TEST(Histogram, EqualWidthBinsAtTheirEdges) {
     SCOPED_TRACE(c.what);
     bins.Size(0);
     c.call();
-    EXPECT_EQ(values(counts).size(), c.counts.size());
+    EXPECT_EQ(counts.Length(), static_cast<int>(c.counts.size()));
     for (int i = 0; i < std::min<int>(counts.Length(), c.counts.size()); ++i) EXPECT_REL(counts[i], c.counts[i], kEps);
     if (c.bins.empty()) continue;
-    ASSERT_EQ(values(bins).size(), c.bins.size());
+    ASSERT_EQ(bins.Length(), static_cast<int>(c.bins.size()));
     for (int i = 0; i < bins.Length(); ++i) EXPECT_REL(bins[i], c.bins[i], 4 * kEps);
   }
 }
