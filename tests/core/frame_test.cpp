@@ -12,13 +12,10 @@
 #include <vector>
 
 #include "core/frame.h"
-#include "statkit/Statistics.h"
 #include "support/expect.h"
 
 namespace statkit::core {
 namespace {
-
-using namespace statkit::Statistics;
 
 enum class Fault { none, arrayError, foreignException, unknownException };
 
