@@ -7,18 +7,15 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include "core/frame.h"
-#include "core/test_decision.h"
-#include "statkit/Statistics.h"
 #include "support/expect.h"
 
 namespace statkit::core {
 namespace {
-
-using namespace statkit::Statistics;
 
 enum class Fault { none, arrayError, foreignException, unknownException };
 
@@ -29,7 +26,7 @@ double InnerOp(const TVec& x, Fault fault) {
     PooledVec squares;
     squares->Sqr(x);
     if (fault == Fault::arrayError) (void)(*squares)[x.Length()];
-    if (fault == Fault::foreignException) (void)std::vector<int>().at(1);
+    if (fault == Fault::foreignException) throw std::out_of_range("vector index 1 of 0");
     if (fault == Fault::unknownException) throw 42;
     return squares->Sum();
   });
@@ -67,14 +64,7 @@ TEST(CallingFrame, EveryBlockAddsOnePrefixFromTheOutsideIn) {
       {"array error inside both blocks", [&] { return OuterOp(x, Fault::arrayError); },
        "OuterOp : InnerOp : Index out of range"},
       {"a standard exception keeps its text", [&] { return InnerOp(x, Fault::foreignException); },
-       std::string("InnerOp : ") + [] {
-         try {
-           (void)std::vector<int>().at(1);
-         } catch (const std::exception& e) {
-           return std::string(e.what());
-         }
-         return std::string();
-       }()},
+       "InnerOp : vector index 1 of 0"},
       {"anything else", [&] { return OuterOp(x, Fault::unknownException); }, "OuterOp : InnerOp : Unknown error"},
   };
   test::ExpectEachRaises(cases);
@@ -107,22 +97,6 @@ TEST(CallingFrame, ConcurrentCallsKeepTheirTemporariesApart) {
   for (auto& th : threads) th.join();
   EXPECT_EQ(wrong.load(), 0);
   EXPECT_EQ(PoolOutstanding(), start);
-}
-
-TEST(TestDecision, RejectsAtOrBelowAlphaAndCannotDecideNaN) {
-  struct Case {
-    double signif, alpha;
-    THypothesisResult want;
-  };
-  const Case cases[] = {
-      {0.05, 0.05, hrReject}, {0.0500000001, 0.05, hrNotReject}, {0.0, 0.05, hrReject},
-      {1.0, 0.05, hrNotReject}, {NAN, 0.05, hrNan},
-  };
-  for (const auto& c : cases) EXPECT_EQ(Decide(c.signif, c.alpha), c.want) << c.signif;
-  EXPECT_FALSE(ValidAlpha(0.0));
-  EXPECT_FALSE(ValidAlpha(1.0));
-  EXPECT_FALSE(ValidAlpha(NAN));
-  EXPECT_TRUE(ValidAlpha(0.5));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <set>
 #include <vector>
 
 #include "statkit/Statistics.h"
@@ -23,39 +22,34 @@ void expectRows(const TMtx& m, const Rows& expected) {
   }
 }
 
-TEST(FullFactDesign, TwoLevelRowsCountInBinaryMostSignificantFirst) {
-  TMtx d;
-  FullFactDesign(2, d);
-  expectRows(d, {{0, 0}, {0, 1}, {1, 0}, {1, 1}});
-  // MulVec[0] scales the last, fastest column; row 5 = binary 101
+TEST(FullFactDesign, RowOrderScalingAndLevels) {
   const TVec scale{10, 20, 30};
-  FullFactDesign(3, d, &scale);
-  expectRows(d, {{0, 0, 0}, {0, 0, 10}, {0, 20, 0}, {0, 20, 10}, {30, 0, 0}, {30, 0, 10}, {30, 20, 0}, {30, 20, 10}});
-  FullFactDesign(0, d);
-  EXPECT_EQ(d.Rows(), 1);
-  EXPECT_EQ(d.Cols(), 0);
-}
-
-TEST(FullFactDesign, MixedLevelsFirstColumnFastest) {
-  TMtx d;
-  FullFactDesign(TVec{2, 3}, d);
-  expectRows(d, {{1, 1}, {2, 1}, {1, 2}, {2, 2}, {1, 3}, {2, 3}});
-  // counts are truncated each on its own: 2.9 and 3.99 are 2 and 3 (the product 11.57 would give 11 rows)
-  FullFactDesign(TVec{2.9, 3.99}, d);
-  expectRows(d, {{1, 1}, {2, 1}, {1, 2}, {2, 2}, {1, 3}, {2, 3}});
-  FullFactDesign(TVec{}, d);
-  EXPECT_EQ(d.Rows(), 1);
-  EXPECT_EQ(d.Cols(), 0);
-}
-
-TEST(FullFactDesign, MixedLevelsHoldEveryCombinationOnce) {
-  TMtx d;
-  FullFactDesign(TVec{3, 1, 4, 2}, d);
-  ASSERT_EQ(d.Rows(), 24);
-  std::set<std::vector<double>> seen;
-  for (int r = 0; r < d.Rows(); ++r) seen.insert({d(r, 0), d(r, 1), d(r, 2), d(r, 3)});
-  EXPECT_EQ(seen.size(), 24u);
-  EXPECT_EQ(*seen.rbegin(), (std::vector<double>{3, 1, 4, 2}));
+  const struct {
+    const char* what;
+    std::function<void(TMtx&)> call;
+    Rows expected;
+  } cases[] = {
+      {"two levels count in binary, most significant first", [](TMtx& d) { FullFactDesign(2, d); },
+       {{0, 0}, {0, 1}, {1, 0}, {1, 1}}},
+      // MulVec[0] scales the last, fastest column; row 5 = binary 101
+      {"scaled two levels", [&](TMtx& d) { FullFactDesign(3, d, &scale); },
+       {{0, 0, 0}, {0, 0, 10}, {0, 20, 0}, {0, 20, 10}, {30, 0, 0}, {30, 0, 10}, {30, 20, 0}, {30, 20, 10}}},
+      {"mixed levels, first column fastest", [](TMtx& d) { FullFactDesign(TVec{2, 3}, d); },
+       {{1, 1}, {2, 1}, {1, 2}, {2, 2}, {1, 3}, {2, 3}}},
+      // counts are truncated each on its own: 2.9 and 3.99 are 2 and 3 (the product 11.57 would give 11 rows)
+      {"truncated levels", [](TMtx& d) { FullFactDesign(TVec{2.9, 3.99}, d); },
+       {{1, 1}, {2, 1}, {1, 2}, {2, 2}, {1, 3}, {2, 3}}},
+      {"a one-level factor between two others", [](TMtx& d) { FullFactDesign(TVec{2, 1, 2}, d); },
+       {{1, 1, 1}, {2, 1, 1}, {1, 1, 2}, {2, 1, 2}}},
+      {"no factors: one empty row", [](TMtx& d) { FullFactDesign(0, d); }, {{}}},
+      {"no mixed factors: one empty row", [](TMtx& d) { FullFactDesign(TVec{}, d); }, {{}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    TMtx d;
+    c.call(d);
+    expectRows(d, c.expected);
+  }
 }
 
 TEST(FullFactDesign, BadInput) {

@@ -38,7 +38,6 @@ TEST(Location, ClosedFormCases) {
       {"moment of order 1", [] { return Moment(TVec{1, 2, 3}, 0, 1); }, 0.0, 0},
       {"moment of order 0 of nothing", [] { return Moment(TVec{}, 5, 0); }, 0.0, 0},
       {"second moment of nothing", [] { return Moment(TVec{}, 5, 2); }, NAN, 0},
-      {"range of one element", [] { return Range(TVec{-3}); }, 0.0, 0},
       {"range with an infinity", [] { return Range(TVec{-INF, 2}); }, INF, 0},
   };
   for (const auto& c : cases) {
@@ -47,15 +46,13 @@ TEST(Location, ClosedFormCases) {
   }
 }
 
+// Real StdCols is held to NIST's univariate sets; here the other direction and the complex forms.
 TEST(Location, RowsAndColumnsRealAndComplex) {
   const TMtx m{{1, 7, 4}, {3, 5, 4}};
   TVec d;
-  StdCols(m, d);
-  EXPECT_EQ(d.Length(), 3);
-  EXPECT_REL(d[0], std::sqrt(2.0), kEps);
-  EXPECT_EQ(d[2], 0.0);
   StdRows(m, d);
-  EXPECT_REL(d[1], 1.0, kEps);
+  ASSERT_EQ(d.Length(), 2);
+  EXPECT_TRUE(test::NearRel(d[0], 3.0, kEps) && test::NearRel(d[1], 1.0, kEps));
   RangeCols(m, d);
   EXPECT_EQ(d[1], 2.0);
   RangeRows(m, d);

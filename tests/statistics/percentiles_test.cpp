@@ -26,8 +26,6 @@ TPercentileMethod methodByName(const std::string& name) {
   throw std::runtime_error("unknown method " + name);
 }
 
-std::vector<double> values(const TVec& v) { return {v.begin(), v.end()}; }
-
 TEST(Percentile, MatchesRQuantileAndTheClosestAndAveragedRules) {
   for (const auto& r : test::LoadFixture("percentiles.txt")) {
     test::PoolBalance pool;
@@ -45,8 +43,10 @@ TEST(Percentile, MatchesRQuantileAndTheClosestAndAveragedRules) {
   }
 }
 
+// What the fixture cannot hold: non-finite data, signed zeros and a value that is no rule.
+// (Its sizes 7 and 10 put n p on halves, where the closest rule rounds to even, and on
+// whole numbers, where the EDF-average rule takes one element.)
 TEST(Percentile, RulesAtTheirEdges) {
-  const TVec four{4, 1, 3, 2}, five{5, 3, 1, 4, 2};
   struct Case {
     const char* what;
     TVec x;
@@ -54,17 +54,11 @@ TEST(Percentile, RulesAtTheirEdges) {
     TPercentileMethod method;
     double expected;
   } cases[] = {
-      {"EDF-average at a whole n p takes one element", four, 0.5, pctMethodEDFAve, 2.0},
-      {"EDF-average otherwise averages x(3), x(4)", five, 0.5, pctMethodEDFAve, 3.5},
-      {"closest rounds n p = 2.5 to even", five, 0.5, pctMethodClosestN, 2.0},
-      {"closest rounds n p = 3.5 to even", TVec{1, 2, 3, 4, 5, 6, 7}, 0.5, pctMethodClosestN, 4.0},
-      {"closest below the data", five, 0.05, pctMethodClosestN, 1.0},
-      {"EDF-average at the top", five, 0.99, pctMethodEDFAve, 5.0},
       {"an infinite neighbour with no weight", TVec{1, 2, INF}, 0.5, pctMethodNMinus, 2.0},
       {"NaNs rank last", TVec{NAN, 3, 1}, 0.5, pctMethodNMinus, 3.0},
       {"NaNs rank last, maximum", TVec{NAN, 3, 1}, 1.0, pctMethodNMinus, NAN},
       {"signed zeros", TVec{0.0, -0.0, -1}, 0.75, pctMethodEDF, 0.0},
-      {"not a rule", five, 0.5, static_cast<TPercentileMethod>(7), 0.0},
+      {"not a rule", TVec{5, 3, 1}, 0.5, static_cast<TPercentileMethod>(7), 0.0},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
@@ -111,8 +105,7 @@ TEST(InterQuartile, DifferenceOfQuartilesOrZeroOnFailure) {
   TVec cplx;
   cplx.Size(4, true);
   EXPECT_EQ(InterQuartile(TVec{1, 2, 3, 4, 5, 6, 7, 8}, pctMethodNPlus), 6.75 - 2.25);
-  EXPECT_EQ(InterQuartile(cplx, pctMethodNPlus), 0.0);
-  EXPECT_EQ(InterQuartile(TVec{}, pctMethodEDF), 0.0);
+  EXPECT_TRUE(InterQuartile(cplx, pctMethodNPlus) == 0.0 && InterQuartile(TVec{}, pctMethodEDF) == 0.0);
 }
 
 TEST(Histogram, EqualWidthBinsAtTheirEdges) {
@@ -144,29 +137,21 @@ TEST(Histogram, EqualWidthBinsAtTheirEdges) {
        {1.0 / 7, 2.0 / 7, 3.0 / 7, 4.0 / 7, 5.0 / 7, 6.0 / 7, 1.0},
        {0, 48.0 / 7, 96.0 / 7, 144.0 / 7, 192.0 / 7, 240.0 / 7, 288.0 / 7, 48}},
       {"cumulative over centres", [&] { CumulativeHist(TVec{4, 5, 6, 11}, TVec{0, 10}, counts); }, {0.5, 1.0}, {}},
+      // the outputs may be the data
+      {"Counts is the data", [&] { counts = {1, 2, 3, 4}; Histogram(counts, 3, counts, bins, false); }, {1, 1, 2}, {}},
+      {"Counts is the data, centres", [&] { counts = {4, 5, 6}; Histogram(counts, TVec{0, 10}, counts); }, {2, 1}, {}},
+      {"Bins is the data", [&] { bins = {1, 2, 3, 4}; Histogram(bins, 3, counts, bins, false); }, {1, 1, 2}, {1, 2, 3, 4}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     bins.Size(0);
     c.call();
-    EXPECT_EQ(values(counts).size(), c.counts.size());
+    EXPECT_EQ(counts.Length(), static_cast<int>(c.counts.size()));
     for (int i = 0; i < std::min<int>(counts.Length(), c.counts.size()); ++i) EXPECT_REL(counts[i], c.counts[i], kEps);
     if (c.bins.empty()) continue;
-    ASSERT_EQ(values(bins).size(), c.bins.size());
+    ASSERT_EQ(bins.Length(), static_cast<int>(c.bins.size()));
     for (int i = 0; i < bins.Length(); ++i) EXPECT_REL(bins[i], c.bins[i], 4 * kEps);
   }
-}
-
-TEST(Histogram, OutputsMayBeTheData) {
-  TVec x{1, 2, 3, 4}, bins;
-  Histogram(x, 3, x, bins, false);
-  EXPECT_EQ(values(x), (std::vector<double>{1, 1, 2}));
-  TVec y{4, 5, 6}, centres{0, 10};
-  Histogram(y, centres, y);
-  EXPECT_EQ(values(y), (std::vector<double>{2, 1}));
-  TVec z{1, 2, 3, 4};
-  Histogram(z, 3, bins, z, false);  // Bins is the data
-  EXPECT_EQ(values(bins), (std::vector<double>{1, 1, 2}));
 }
 
 TEST(Percentile, BadInput) {

@@ -39,12 +39,12 @@ inline ::testing::AssertionResult NearScaled(double actual, double expected, dou
 
 /// Runs \p call(hType, hRes, Signif, ConfInt) for the three alternatives and
 /// compares with the record's "<prefix>p" (three significances, to
-/// TailTol(tol, p)), the
-/// decision at "alpha", and the interval: "<prefix>lo" and "<prefix>hi" (one
-/// limit per alternative) or "<prefix>ci" (one interval for all), when present.
+/// TailTol(tol, p)), the decision at "alpha" (0.05 when absent), and the
+/// interval: "<prefix>lo" and "<prefix>hi" (one limit per alternative) or
+/// "<prefix>ci" (one interval for all); without them the interval stays untouched.
 template <class Call>
 void CheckAlternatives(const Record& r, const std::string& prefix, double tol, Call call) {
-  const double alpha = r.Num("alpha");
+  const double alpha = r.Has("alpha") ? r.Num("alpha") : 0.05;
   const auto p = r.Nums(prefix + "p");
   std::vector<double> lo(3, NAN), hi(3, NAN);
   if (r.Has(prefix + "lo")) lo = r.Nums(prefix + "lo"), hi = r.Nums(prefix + "hi");
@@ -56,13 +56,15 @@ void CheckAlternatives(const Record& r, const std::string& prefix, double tol, C
     SCOPED_TRACE(prefix + std::string(Statistics::THypothesisTypeNames[h]));
     PoolBalance balance;
     THypothesisResult hRes = Statistics::hrNan;
-    double signif = -1.0, ci[2] = {NAN, NAN};
+    double signif = -1.0, ci[2] = {7.0, 7.0};
     call(kAlternatives[h], hRes, signif, ci);
     EXPECT_REL(signif, p[h], TailTol(tol, p[h]));
     EXPECT_EQ(hRes, ExpectedDecision(p[h], alpha));
     if (r.Has(prefix + "lo") || r.Has(prefix + "ci")) {
       EXPECT_TRUE(NearScaled(ci[0], lo[h], tol, scale));
       EXPECT_TRUE(NearScaled(ci[1], hi[h], tol, scale));
+    } else {
+      EXPECT_TRUE(ci[0] == 7.0 && ci[1] == 7.0) << "interval written";
     }
   }
 }

@@ -44,7 +44,6 @@ StrdSet ReadStrd(const std::string& relPath) {
   for (std::string l; std::getline(in, l);) lines.push_back(l.substr(0, l.find('\r')));
   StrdSet set;
   const auto [certFirst, certLast] = headerRange(lines, "Certified Values");
-  std::string previous;
   for (int i = certFirst - 1; i < certLast && i < static_cast<int>(lines.size()); ++i) {
     std::istringstream words(lines[i]);
     StrdSet::Line line;
@@ -52,24 +51,15 @@ StrdSet ReadStrd(const std::string& relPath) {
     for (std::string w; words >> w;)
       if (number(w, v)) line.values.push_back(v);
       else if (line.values.empty()) line.label += (line.label.empty() ? "" : " ") + w;
-    if (!line.values.empty()) {
-      // A parameter line: "B3 value sd" (linear) or "b1 = start1 start2 value sd" (nonlinear).
-      const std::string name = line.label.substr(0, line.label.find(' '));
-      const bool param = name.size() > 1 && (name[0] == 'B' || name[0] == 'b') &&
-                         name.find_first_not_of("0123456789", 1) == std::string::npos && line.values.size() >= 2;
-      if (param) {
-        set.params.push_back(name);
-        set.estimates.push_back(line.values[line.values.size() - 2]);
-        set.estimateSDs.push_back(line.values.back());
-      } else if (line.label.find("R-Squared") != std::string::npos) {
-        set.rSquared = line.values[0];
-      } else if (line.label.find("Standard Deviation") != std::string::npos &&
-                 (line.label.find("Residual") != std::string::npos || previous.find("Residual") != std::string::npos)) {
-        set.residualSD = line.values[0];
-      }
-      set.certified.push_back(line);
+    if (line.values.empty()) continue;
+    // A parameter line: "B3 value sd" (linear) or "b1 = start1 start2 value sd" (nonlinear).
+    const std::string name = line.label.substr(0, line.label.find(' '));
+    if (name.size() > 1 && (name[0] == 'B' || name[0] == 'b') &&
+        name.find_first_not_of("0123456789", 1) == std::string::npos && line.values.size() >= 2) {
+      set.params.push_back(name);
+      set.estimates.push_back(line.values[line.values.size() - 2]);
     }
-    previous = line.label;
+    set.certified.push_back(line);
   }
   const auto [dataFirst, dataLast] = headerRange(lines, "Data ");
   for (int i = dataFirst - 1; i < dataLast && i < static_cast<int>(lines.size()); ++i) {

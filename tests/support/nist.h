@@ -18,10 +18,10 @@ struct StrdSet {
     std::vector<double> values;
   };
   std::vector<Line> certified;
-  /// The parameters (B0, b1, ...) in order: names, certified values and their standard deviations.
+  /// The parameters (B0, b1, ...) in order: names and certified values (their standard deviations,
+  /// the residual SD and R-squared stay in `certified`: Values("B1"), Values("Standard Deviation")).
   std::vector<std::string> params;
-  std::vector<double> estimates, estimateSDs;
-  double residualSD = NAN, rSquared = NAN;
+  std::vector<double> estimates;
   /// The data by column, in the order of the file's "Data:" line (y first, then x1, ...).
   std::vector<std::vector<double>> columns;
 

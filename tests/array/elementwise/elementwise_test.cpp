@@ -4,11 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <climits>
 #include <functional>
-#include <numeric>
-#include <random>
 #include <variant>
 
 #include "statkit/Array.h"
@@ -33,24 +30,8 @@ TEST(Reductions, SumStaysAccurateWhereNaiveSummationDrifts) {
   EXPECT_REL(v.Mean(), static_cast<double>(exact / (n + 1)), 64 * kEps);
 }
 
-TEST(Reductions, StdDevIsCentredAndUsesTheSampleDivisor) {
-  // A large offset ruins the textbook sum-of-squares formula, not the centred one.
-  TVec v{1e9 + 4, 1e9 + 7, 1e9 + 13, 1e9 + 16};
-  EXPECT_REL(v.StdDev(), std::sqrt(30.0), 4 * kEps);
-  EXPECT_REL(v.StdDev(1e9 + 10), std::sqrt(30.0), 4 * kEps);
-  TVec one{5};
-  EXPECT_TRUE(std::isnan(one.StdDev()));  // 0 / 0 with one value
-
-  TVec z;
-  z.Size(2, true);
-  z.CValues(0) = {1, 1};
-  z.CValues(1) = {3, -1};
-  // Deviations (-1, 1) and (1, -1) about (2, 0): |d|^2 = 2 each, divisor 1.
-  EXPECT_DOUBLE_EQ(z.StdDev(), 2.0);
-  EXPECT_EQ(z.Meanc(), TCplx(2, 0));
-  EXPECT_DOUBLE_EQ(z.NormL2(), std::sqrt(12.0));
-}
-
+// The standard deviation is held to NIST's univariate sets (through StdCols) and,
+// about a given mean, to R's t.test; its complex form to StdCols' complex columns.
 TEST(Reductions, ExtremesPropagateNaNAndComplexOnesGoByMagnitude) {
   TVec v{3, NAN, 1};
   EXPECT_TRUE(std::isnan(v.Max()));
@@ -62,60 +43,43 @@ TEST(Reductions, ExtremesPropagateNaNAndComplexOnesGoByMagnitude) {
   z.CValues(2) = {0.5, 0};
   EXPECT_EQ(z.Maxc(), TCplx(0, -3));
   EXPECT_EQ(z.Minc(), TCplx(0.5, 0));
+  EXPECT_DOUBLE_EQ(z.NormL2(), std::sqrt(11.25));
 }
 
+// Each case computes into one of its inputs and returns the result.
 TEST(Arithmetic, OutputsMayAliasInputs) {
-  TVec a{1, 2, 3};
-  a.Add(a, a);
-  EXPECT_EQ(a[2], 6);
-  a.Mul(a);
-  EXPECT_EQ(a[1], 16);
-  a.Sub(a, a);
-  EXPECT_EQ(a[0], 0);
-  TVec b{4, 8};
-  b.Normalize(b, 2, 2);
-  EXPECT_EQ(b[1], 3);
-  b.Inv(b);
-  EXPECT_DOUBLE_EQ(b[0], 1.0);
-  TVec c{1, 4, 9, 16};
-  c.Difference(c, 0, 0, 4);  // in place: reads i + 1 before writing i
-  EXPECT_EQ(c[0], 3);
-  EXPECT_EQ(c[2], 7);
-  TVec d{1, 2, 3, 4};
-  d.CumSum(1, -1);
-  EXPECT_EQ(d[0], 1);
-  EXPECT_EQ(d[3], 9);
+  const struct {
+    const char* label;
+    std::function<TVec()> result;
+    std::vector<double> expected;
+  } cases[] = {
+      {"Add(a, a)", [] { TVec a{1, 2, 3}; a.Add(a, a); return a; }, {2, 4, 6}},
+      {"Mul(a)", [] { TVec a{1, 2, 3}; a.Mul(a); return a; }, {1, 4, 9}},
+      {"Normalize(b, 2, 2)", [] { TVec b{4, 8}; b.Normalize(b, 2, 2); return b; }, {1, 3}},
+      {"Inv(b)", [] { TVec b{4, 0.5}; b.Inv(b); return b; }, {0.25, 2}},
+      // in place: reads i + 1 before writing i
+      {"Difference", [] { TVec c{1, 4, 9, 16}; c.Difference(c, 0, 0, 4); return c; }, {3, 5, 7, 16}},
+      {"CumSum from 1", [] { TVec d{1, 2, 3, 4}; d.CumSum(1, -1); return d; }, {1, 2, 5, 9}},
+      // divided by n at every lag, zero beyond the series
+      {"AutoCorrBiased of itself", [] { TVec r{1, 2, 3}; r.AutoCorrBiased(r, 4); return r; }, {14.0 / 3, 8.0 / 3, 1, 0, 0}},
+  };
+  for (const auto& c : cases) {
+    const TVec r = c.result();
+    EXPECT_EQ(std::vector<double>(r.begin(), r.end()), c.expected) << c.label;
+  }
 }
 
 TEST(Arithmetic, InvElemGuardsTinyElements) {
   TMtx m{{2, 0}, {-1e-310, 1e-300}};
   m.InvElem(1e-305);
-  EXPECT_EQ(m(0, 0), 0.5);
-  EXPECT_EQ(m(0, 1), 1e305);   // zero counts as positive
-  EXPECT_EQ(m(1, 0), -1e305);  // the sign of a tiny element is kept
+  // zero counts as positive; the sign of a tiny element is kept
+  EXPECT_TRUE(m(0, 0) == 0.5 && m(0, 1) == 1e305 && m(1, 0) == -1e305);
   EXPECT_DOUBLE_EQ(m(1, 1), 1e300);
 }
 
-TEST(Sorting, MatchesAComparisonSortWithNaNsLast) {
-  std::mt19937_64 gen(42);
-  std::normal_distribution<double> normal(0, 1e3);
-  for (int n : {0, 1, 7, 2047, 2048, 100000}) {
-    SCOPED_TRACE(n);
-    std::vector<double> x(n);
-    for (auto& v : x) v = normal(gen);
-    for (int i = 0; i < n; i += 97) x[i] = -x[i == 0 ? 0 : i - 1];  // ties of opposite sign too
-    if (n > 10) x[3] = NAN, x[n - 2] = -INF, x[5] = INF, x[6] = -0.0, x[8] = 0.0;
-    TVec v(x);
-    v.SortAscend();
-    std::vector<double> want;
-    int nans = 0;
-    for (double t : x) std::isnan(t) ? ++nans : (want.push_back(t), 0);
-    std::sort(want.begin(), want.end());
-    for (int i = 0; i < static_cast<int>(want.size()); ++i) ASSERT_EQ(v[i], want[i]) << i;
-    for (int i = 0; i < nans; ++i) EXPECT_TRUE(std::isnan(v[n - 1 - i]));
-  }
-}
-
+// The sorted values are held to SciPy's ranks (tests/reference/ranks.txt: 3000
+// values for the radix path, infinities, signed zeros, subnormals) and, on 2^18
+// values with NaNs, to the selection of Percentile; here the permutation.
 TEST(Sorting, PermutationIsStableOnTies) {
   for (int n : {10, 5000}) {
     SCOPED_TRACE(n);
@@ -133,19 +97,6 @@ TEST(Sorting, PermutationIsStableOnTies) {
     }
     EXPECT_EQ(idx.IValue(n - 1), 1);  // the NaN went last
   }
-}
-
-TEST(Correlation, AutoCorrBiasedDividesByNAndZeroesLagsBeyondTheSeries) {
-  TVec x{1, 2, 3}, r;
-  r.AutoCorrBiased(x, 4);
-  ASSERT_EQ(r.Length(), 5);
-  EXPECT_DOUBLE_EQ(r[0], 14.0 / 3);
-  EXPECT_DOUBLE_EQ(r[1], 8.0 / 3);
-  EXPECT_DOUBLE_EQ(r[2], 3.0 / 3);
-  EXPECT_EQ(r[3], 0);
-  EXPECT_EQ(r[4], 0);
-  r.AutoCorrBiased(r, 1);  // Self as the source
-  EXPECT_EQ(r.Length(), 2);
 }
 
 // Each row: a call, and the int it returns or the message it raises.
