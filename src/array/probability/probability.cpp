@@ -59,10 +59,15 @@ bool isWhole(double x) { return std::floor(x) == x; }
 bool validProb(double p) { return p >= 0.0 && p <= 1.0; }
 bool positiveFinite(double v) { return v > 0.0 && v < kInf; }
 
-// f(hi + lo) = f(hi) + lo f'(hi): the first-order step that removes an argument's rounding error.
+// A probability rounded or corrected past an end of [0, 1] (1 + 2e-14 from a prefix
+// near 1e-300) is that end; NaN stays NaN.
+double unitClamp(double v) { return v < 0.0 ? 0.0 : (v > 1.0 ? 1.0 : v); }
+
+// f(hi + lo) = f(hi) + lo f'(hi): the first-order step that removes an argument's
+// rounding error from a tail, which stays a probability.
 double corrected(double value, double derivative, double lo) {
   if (lo == 0.0 || !std::isfinite(derivative)) return value;
-  return value + lo * derivative;
+  return unitClamp(value + lo * derivative);
 }
 
 // ---------------------------------------------------------------------------
@@ -226,8 +231,14 @@ struct Tails {
   double lower, upper, density;
 };
 
-Tails fromLower(double lower, double density) { return {lower, 1.0 - lower, density}; }
-Tails fromUpper(double upper, double density) { return {1.0 - upper, upper, density}; }
+Tails fromLower(double lower, double density) {
+  lower = unitClamp(lower);
+  return {lower, 1.0 - lower, density};
+}
+Tails fromUpper(double upper, double density) {
+  upper = unitClamp(upper);
+  return {1.0 - upper, upper, density};
+}
 
 // From this shape on, Boost's power prefixes (pow of a rounded ratio to the shape)
 // would cost more than 30 eps; below it they are within a few eps.
@@ -240,7 +251,9 @@ double stirlingCorrection(double a) {
   return (1.0 / 12 - r * (1.0 / 360 - r * (1.0 / 1260 - r * (1.0 / 1680 - r * (1.0 / 1188 - r * (691.0 / 360360 - r / 156)))))) / a;
 }
 
-double lnGammaOfSmall(double a) { return std::log(std::tgamma(a)); }
+// ln Gamma(s) for 0 < s < 10 as ln Gamma(1 + s) - ln s, the logarithm in double-double:
+// ln Gamma(1e-300) = 690.8 would otherwise carry 690 eps into every prefix built on it.
+DD lnGammaOfSmall(double s) { return DD{std::log(std::tgamma(1.0 + s)), 0.0} - detail::logDD(DD{s, 0.0}); }
 
 // ln(z^a e^-z / Gamma(a)) for a >= 10 as a ln(z/a) - (z - a) + ln(a)/2 - ln(2 pi)/2 - mu(a).
 // The first two terms are large and cancel to -a D(z/a), D(l) = l - 1 - ln l.
@@ -252,7 +265,8 @@ DD lnGammaPrefix(double a, double z) {
 // sum_{n>=0} z^n / (a (a+1) ... (a+n)), so that P(a, z) = z^a e^-z/Gamma(a) times it (z < a).
 double lowerGammaSeries(double a, double z) {
   double term = 1.0 / a, sum = term;
-  for (double n = a + 1.0; term > sum * 1e-17; n += 1.0) {
+  // Terms fall off within a few sqrt(a) steps for the z < a < 1e6 it is used at.
+  for (double n = a + 1.0; term > sum * 1e-17 && n < a + 1e6; n += 1.0) {
     term *= z / n;
     sum += term;
   }
@@ -336,7 +350,11 @@ Tails gammaTemme(double a, double z, double density) {
 
 // Density z^(a-1) e^-z / Gamma(a) of the regularised incomplete gamma function.
 double gammaDensityAt(double a, double z) {
-  if (a >= kLargeShape) return detail::expDD(lnGammaPrefix(a, z)) / z;
+  if (a >= kLargeShape) {
+    // z below the normal range: z^(a-1)/Gamma(a) underflows (the prefix's z/a would be 0).
+    if (z < DBL_MIN) return 0.0;
+    return detail::expDD(lnGammaPrefix(a, z)) / z;
+  }
   return noThrow([&] { return bm::gamma_p_derivative(a, z, FastPolicy()); });
 }
 
@@ -356,7 +374,12 @@ Tails gammaTails(double a, double z) {
     if (q <= 0.5 || z < a) return fromUpper(q, dens);
     return fromLower(noThrow([&] { return bm::gamma_p(a, z, FastPolicy()); }), dens);
   }
+  // z below the normal range: P(a, z) = z^a/Gamma(a + 1) (1 + O(z)) underflows.
+  if (z < DBL_MIN) return fromLower(0.0, 0.0);
   double w = detail::expDD(lnGammaPrefix(a, z));
+  // A prefix that underflows leaves the smaller tail 0 (and spares the million
+  // steps of a fraction that does not settle at z = 1e308).
+  if (w == 0.0) return z < a ? fromLower(0.0, 0.0) : fromUpper(0.0, 0.0);
   if (z < a) return fromLower(w * lowerGammaSeries(a, z), w / z);
   return fromUpper(w * upperGammaFraction(a, z), w / z);
 }
@@ -375,8 +398,8 @@ DD lnBetaPrefix(double a, double b, double x) {
         stirlingCorrection(b) + stirlingCorrection(c.hi);
   } else {
     double s = std::min(a, b), l = std::max(a, b);
-    k = s * std::log(s) - lnGammaOfSmall(s) - s - 0.5 * std::log1p(s / l) - stirlingCorrection(l) +
-        stirlingCorrection(c.hi);
+    k = s * std::log(s) - s - 0.5 * std::log1p(s / l) - stirlingCorrection(l) + stirlingCorrection(c.hi);
+    return (ta + tb) + (DD{k, 0.0} - lnGammaOfSmall(s));
   }
   return (ta + tb) + DD{k, 0.0};
 }
@@ -422,7 +445,9 @@ double betaDensityAt(double a, double b, double x) {
   double beta = noThrow([&] { return bm::beta(a, b, FastPolicy()); });
   double f = px * py / beta;
   if (std::isnormal(px) && std::isnormal(py) && std::isnormal(f)) return f;
-  return noThrow([&] { return bm::ibeta_derivative(a, b, x, FastPolicy()); });
+  // Boost's derivative divides by x: +Inf for I'_x(2, 1) at x = 5e-324, where the product is right.
+  double g = noThrow([&] { return bm::ibeta_derivative(a, b, x, FastPolicy()); });
+  return std::isfinite(g) || !std::isfinite(f) ? g : f;
 }
 
 // Beyond this shape the continued fraction's steps a + k lose their resolution.
@@ -445,7 +470,8 @@ Tails betaTailsOneHugeShape(double a, double b, double x) {
   Tails g = gammaTails(small, u.hi);
   double du = g.density * u.lo;
   // a huge: I = Q(b, u); b huge: I = P(a, u).
-  return aHuge ? Tails{g.upper - du, g.lower + du, dens} : Tails{g.lower + du, g.upper - du, dens};
+  double lower = unitClamp(g.lower + du), upper = unitClamp(g.upper - du);
+  return aHuge ? Tails{upper, lower, dens} : Tails{lower, upper, dens};
 }
 
 // I_x(a, b) and 1 - I_x(a, b) for 0 < x < 1.
@@ -469,7 +495,9 @@ Tails betaTails(double a, double b, double x) {
   double prefix = detail::expDD(lnBetaPrefix(a, b, x));
   DD y = twoSum(1.0, -x);
   double dens = prefix / (x * y.hi);
-  if (x * (a + b + 2.0) < a + 1.0) return fromLower(prefix / (a * betaFraction(a, b, DD{x, 0.0})), dens);
+  bool lowerSide = x * (a + b + 2.0) < a + 1.0;
+  if (prefix == 0.0) return lowerSide ? fromLower(0.0, dens) : fromUpper(0.0, dens);
+  if (lowerSide) return fromLower(prefix / (a * betaFraction(a, b, DD{x, 0.0})), dens);
   return fromUpper(prefix / (b * betaFraction(b, a, y)), dens);
 }
 
@@ -477,9 +505,10 @@ Tails betaTails(double a, double b, double x) {
 // starting point that may be far off: Boost's ibeta_inv loses the far tails (4e-51
 // instead of 2.6e-151 for p = 1e-300 with shapes 2 and 5), where ln tail is nearly
 // linear in ln x. Stepping x by the factor exp(dt) keeps its full precision.
-// tailAt(x) gives {tail, d tail/dx}; xMax bounds the support.
+// tailAt(x) gives {tail, d tail/dx}; xMax bounds the support; preciseStart: x0 is a
+// root from Boost's promoted inverse, not an approximation. At most 200 steps.
 template <class TailAt>
-double refineQuantile(double x0, double q, double xMax, TailAt tailAt) {
+double refineQuantile(double x0, double q, double xMax, TailAt tailAt, bool preciseStart = true) {
   double lnq = std::log(q);
   if (x0 == 0.0) {
     // A start at 0: the quantile may lie below the smallest double (gamma shape 1e-5
@@ -504,7 +533,7 @@ double refineQuantile(double x0, double q, double xMax, TailAt tailAt) {
       dt = std::clamp(-g / dg, -50.0, 50.0);
       // A start that our tail confirms to 1e-14 is kept: Boost's promoted root is then
       // the more precise one (our tails are within 1e-13, not exact).
-      if (i == 0 && std::fabs(dt) <= 1e-14) return x;
+      if (i == 0 && preciseStart && std::fabs(dt) <= 1e-14) return x;
     }
     double next = x * std::exp(dt);
     if (next >= xMax) next = 0.5 * (x + xMax);
@@ -554,20 +583,37 @@ double gammaDensity(double x, double A, double B) {
   return f / B;
 }
 
-// P(A, x) = p from Boost's inverse, refined on the smaller tail (Boost's is off by
-// 3e-9 relative at A = 1e15, where its incomplete gamma function drifts).
+// The x with Q(A, x) = q (upper) or P(A, x) = q, 0 < q <= 1/2: Boost's inverse, refined
+// on that tail (Boost's is off by 3e-9 relative at A = 1e15, where its incomplete
+// gamma function drifts). From A = 1e6 on the start is Wilson and Hilferty's
+// A (1 - 1/(9A) + z/(3 sqrt(A)))^3, z the normal quantile, within O(1/A) relative:
+// Boost's root finder is kept to the shapes where it was seen to return.
+double gammaTailQuantile(double q, double A, bool upper) {
+  double x0;
+  const bool approximate = A >= kTemmeFrom;
+  if (approximate) {
+    double z = upper ? -standardNormalQuantile(q) : standardNormalQuantile(q);
+    double c = 1.0 - 1.0 / (9.0 * A) + z / (3.0 * std::sqrt(A));
+    x0 = A * c * c * c;
+  } else {
+    x0 = noThrow([&] {
+      return upper ? bm::gamma_q_inv(A, q, PrecisePolicy()) : bm::gamma_p_inv(A, q, PrecisePolicy());
+    });
+  }
+  return refineQuantile(
+      x0, q, kInf,
+      [&](double x) {
+        Tails t = gammaTails(A, x);
+        return upper ? std::pair{t.upper, -t.density} : std::pair{t.lower, t.density};
+      },
+      !approximate);
+}
+
+// P(A, x) = p.
 double gammaQuantile(double p, double A) {
   if (p == 0.0) return 0.0;
   if (p == 1.0) return kInf;
-  bool upper = p > 0.5;
-  double q = upper ? 1.0 - p : p;
-  double x0 = noThrow([&] {
-    return upper ? bm::gamma_q_inv(A, q, PrecisePolicy()) : bm::gamma_p_inv(A, q, PrecisePolicy());
-  });
-  return refineQuantile(x0, q, kInf, [&](double x) {
-    Tails t = gammaTails(A, x);
-    return upper ? std::pair{t.upper, -t.density} : std::pair{t.lower, t.density};
-  });
+  return p > 0.5 ? gammaTailQuantile(1.0 - p, A, true) : gammaTailQuantile(p, A, false);
 }
 
 // ---------------------------------------------------------------------------
@@ -685,10 +731,20 @@ double fDensity(double x, double n1, double n2) {
 // I_x(a, b) = p from Boost's inverse, refined on the smaller tail (the upper one at
 // q = 1 - p when p > 1/2, so that a small x stays accurate also there).
 double betaQuantile(double p, double a, double b) {
-  if (std::max(a, b) > kHugeShape && std::min(a, b) > 1e3) return kNaN;  // see betaTailsOneHugeShape
-  if (std::max(a, b) < 1e-20) return p <= b / (a + b) ? 0.0 : 1.0;       // the two-point limit of betaTails
+  if (std::max(a, b) < 1e-20) return p <= b / (a + b) ? 0.0 : 1.0;  // the two-point limit of betaTails
   bool upper = p > 0.5;
   double q = upper ? 1.0 - p : p;
+  if (std::max(a, b) > kHugeShape) {
+    // The gamma limit of betaTailsOneHugeShape inverted: I_x(a, b) = Q(b, -T ln x) for a
+    // huge, P(a, -T' ln(1 - x)) for b huge. Boost's inverse never returns there
+    // (shapes 2.8125 and 1.8e308: its bracketing search runs on a wrapped count).
+    if (std::min(a, b) > 1e3) return kNaN;  // two huge shapes, see betaTailsOneHugeShape
+    bool aHuge = a >= b;
+    double small = aHuge ? b : a;
+    double t = (aHuge ? a : b) + 0.5 * (small - 1.0);
+    double u = gammaTailQuantile(q, small, aHuge != upper);
+    return aHuge ? std::exp(-u / t) : -std::expm1(-u / t);
+  }
   double x0 = noThrow([&] {
     return upper ? bm::ibetac_inv(a, b, q, PrecisePolicy()) : bm::ibeta_inv(a, b, q, PrecisePolicy());
   });
@@ -1082,7 +1138,7 @@ double BinomPDF(double x, int N, double P) {
   if (P == 0.0) return x == 0.0 ? 1.0 : 0.0;
   if (P == 1.0) return x == N ? 1.0 : 0.0;
   // C(N, k) P^k (1-P)^(N-k) = I'_P(k + 1, N - k + 1)/(N + 1).
-  return betaDensityAt(x + 1.0, N - x + 1.0, P) / (N + 1.0);
+  return std::min(betaDensityAt(x + 1.0, N - x + 1.0, P) / (N + 1.0), 1.0);
 }
 
 // ===========================================================================
@@ -1108,7 +1164,7 @@ double PoissonPDF(double x, double Lambda) {
   if (!validPoisson(Lambda) || std::isnan(x)) return kNaN;
   if (x < 0.0 || !isWhole(x) || x == kInf) return 0.0;
   if (Lambda == 0.0) return x == 0.0 ? 1.0 : 0.0;
-  return gammaDensityAt(x + 1.0, Lambda);
+  return std::min(gammaDensityAt(x + 1.0, Lambda), 1.0);
 }
 
 double PoissonCDFInv(double p, double Lambda) {
@@ -1144,7 +1200,7 @@ double NegBinomPDF(double x, int R, double P) {
   if (x < 0.0 || !isWhole(x) || x == kInf) return 0.0;
   if (P == 1.0) return x == 0.0 ? 1.0 : 0.0;
   // C(k + R - 1, k) P^R (1-P)^k = P/(R + k) I'_P(R, k + 1).
-  return P / (R + x) * betaDensityAt(R, x + 1.0, P);
+  return std::min(P / (R + x) * betaDensityAt(R, x + 1.0, P), 1.0);
 }
 
 double NegBinomCDFInv(double p, int R, double P) {
