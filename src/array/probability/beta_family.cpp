@@ -139,47 +139,47 @@ using namespace detail::prob;
 
 // Student t
 
-double StudentCDF(double x, int Nu) {
+double StudentCDF(double x, int Nu) noexcept {
   if (Nu <= 0) return kNaN;
   return x <= 0.0 ? studentLowerTail(x, Nu) : 1.0 - studentLowerTail(-x, Nu);
 }
 
-double StudentCDFc(double x, int Nu) {
+double StudentCDFc(double x, int Nu) noexcept {
   if (Nu <= 0) return kNaN;
   return x >= 0.0 ? studentLowerTail(-x, Nu) : 1.0 - studentLowerTail(x, Nu);
 }
 
-double StudentPDF(double x, int Nu) {
+double StudentPDF(double x, int Nu) noexcept {
   if (Nu <= 0) return kNaN;
   return studentDensity(x, Nu);
 }
 
-double StudentCDFInv(double p, int Nu) {
+double StudentCDFInv(double p, int Nu) noexcept {
   if (Nu <= 0 || !validProb(p)) return kNaN;
   return studentQuantile(p, Nu);
 }
 
 // F
 
-double FCDF(double x, int Nu1, int Nu2) { return Nu1 <= 0 || Nu2 <= 0 ? kNaN : fTail(x, Nu1, Nu2, false); }
-double FCDFc(double x, int Nu1, int Nu2) { return Nu1 <= 0 || Nu2 <= 0 ? kNaN : fTail(x, Nu1, Nu2, true); }
-double FPDF(double x, int Nu1, int Nu2) { return Nu1 <= 0 || Nu2 <= 0 ? kNaN : fDensity(x, Nu1, Nu2); }
+double FCDF(double x, int Nu1, int Nu2) noexcept { return Nu1 <= 0 || Nu2 <= 0 ? kNaN : fTail(x, Nu1, Nu2, false); }
+double FCDFc(double x, int Nu1, int Nu2) noexcept { return Nu1 <= 0 || Nu2 <= 0 ? kNaN : fTail(x, Nu1, Nu2, true); }
+double FPDF(double x, int Nu1, int Nu2) noexcept { return Nu1 <= 0 || Nu2 <= 0 ? kNaN : fDensity(x, Nu1, Nu2); }
 
-double FCDFInv(double p, int Nu1, int Nu2) {
+double FCDFInv(double p, int Nu1, int Nu2) noexcept {
   if (Nu1 <= 0 || Nu2 <= 0 || !validProb(p)) return kNaN;
   return fQuantile(p, Nu1, Nu2);
 }
 
 // Beta, shapes A and B
 
-double BetaCDF(double x, double A, double B) {
+double BetaCDF(double x, double A, double B) noexcept {
   if (!validBeta(A, B) || std::isnan(x)) return kNaN;
   if (x <= 0.0) return 0.0;
   if (x >= 1.0) return 1.0;
   return betaTails(A, B, x).lower;
 }
 
-double BetaPDF(double x, double A, double B) {
+double BetaPDF(double x, double A, double B) noexcept {
   if (!validBeta(A, B) || std::isnan(x)) return kNaN;
   if (x < 0.0 || x > 1.0) return 0.0;
   if (x == 0.0) return betaEdgeDensity(A, B);
@@ -187,7 +187,7 @@ double BetaPDF(double x, double A, double B) {
   return betaDensityAt(A, B, x);
 }
 
-double BetaCDFInv(double p, double A, double B) {
+double BetaCDFInv(double p, double A, double B) noexcept {
   if (!validBeta(A, B) || !validProb(p)) return kNaN;
   if (p == 0.0) return 0.0;
   if (p == 1.0) return 1.0;
@@ -197,7 +197,7 @@ double BetaCDFInv(double p, double A, double B) {
 // Binomial: P(X <= k) = I_(1-P)(N - k, k + 1), taken as ibetac(k + 1, N - k, P) so
 // that the exact P is the argument.
 
-double BinomCDF(double x, int N, double P) {
+double BinomCDF(double x, int N, double P) noexcept {
   if (!validBinom(N, P) || std::isnan(x)) return kNaN;
   if (x < 0.0) return 0.0;
   double k = std::floor(x);
@@ -207,7 +207,7 @@ double BinomCDF(double x, int N, double P) {
   return betaTails(k + 1.0, N - k, P).upper;
 }
 
-double BinomCDFc(double x, int N, double P) {
+double BinomCDFc(double x, int N, double P) noexcept {
   if (!validBinom(N, P) || std::isnan(x)) return kNaN;
   if (x < 0.0) return 1.0;
   double k = std::floor(x);
@@ -217,7 +217,7 @@ double BinomCDFc(double x, int N, double P) {
   return betaTails(k + 1.0, N - k, P).lower;
 }
 
-double BinomPDF(double x, int N, double P) {
+double BinomPDF(double x, int N, double P) noexcept {
   if (!validBinom(N, P) || std::isnan(x)) return kNaN;
   if (x < 0.0 || x > N || !isWhole(x)) return 0.0;
   if (P == 0.0) return x == 0.0 ? 1.0 : 0.0;
@@ -228,7 +228,7 @@ double BinomPDF(double x, int N, double P) {
 
 // Negative binomial: failures before the R-th success; P(X <= k) = I_P(R, k + 1).
 
-double NegBinomCDF(double x, int R, double P) {
+double NegBinomCDF(double x, int R, double P) noexcept {
   if (!validNegBinom(R, P) || std::isnan(x)) return kNaN;
   if (x < 0.0) return 0.0;
   if (P == 1.0 || x == kInf) return 1.0;
@@ -236,7 +236,7 @@ double NegBinomCDF(double x, int R, double P) {
   return betaTails(R, k + 1.0, P).lower;
 }
 
-double NegBinomCDFc(double x, int R, double P) {
+double NegBinomCDFc(double x, int R, double P) noexcept {
   if (!validNegBinom(R, P) || std::isnan(x)) return kNaN;
   if (x < 0.0) return 1.0;
   if (P == 1.0 || x == kInf) return 0.0;
@@ -244,7 +244,7 @@ double NegBinomCDFc(double x, int R, double P) {
   return betaTails(R, k + 1.0, P).upper;
 }
 
-double NegBinomPDF(double x, int R, double P) {
+double NegBinomPDF(double x, int R, double P) noexcept {
   if (!validNegBinom(R, P) || std::isnan(x)) return kNaN;
   if (x < 0.0 || !isWhole(x) || x == kInf) return 0.0;
   if (P == 1.0) return x == 0.0 ? 1.0 : 0.0;

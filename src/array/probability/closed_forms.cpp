@@ -16,7 +16,7 @@ using detail::DD;
 
 // Weibull, F(x) = 1 - exp(-A x^B): closed forms.
 
-double WeibullCDF(double x, double A, double B) {
+double WeibullCDF(double x, double A, double B) noexcept {
   if (!validGamma(A, B) || std::isnan(x)) return kNaN;
   if (x <= 0.0) return 0.0;
   return -std::expm1(-A * std::pow(x, B));
@@ -25,7 +25,7 @@ double WeibullCDF(double x, double A, double B) {
 // A B x^(B-1) exp(-A x^B). The exponent's relative rounding error (pow and the
 // product, about 1.5 eps) returns as A x^B times that in the density: 1e-14 at
 // A x^B = 50, 2e-13 in the far tail at 700.
-double WeibullPDF(double x, double A, double B) {
+double WeibullPDF(double x, double A, double B) noexcept {
   if (!validGamma(A, B) || std::isnan(x)) return kNaN;
   if (x < 0.0 || x == kInf) return 0.0;
   if (x == 0.0) return B < 1.0 ? kInf : (B == 1.0 ? A : 0.0);
@@ -36,7 +36,7 @@ double WeibullPDF(double x, double A, double B) {
   return std::exp(std::log(A * B) + (B - 1.0) * std::log(x) - u);
 }
 
-double WeibullCDFInv(double p, double A, double B) {
+double WeibullCDFInv(double p, double A, double B) noexcept {
   if (!validGamma(A, B) || !validProb(p)) return kNaN;
   if (p == 1.0) return kInf;
   return std::pow(-std::log1p(-p) / A, 1.0 / B);
@@ -44,13 +44,13 @@ double WeibullCDFInv(double p, double A, double B) {
 
 // Exponential with mean Mu
 
-double ExpCDF(double x, double Mu) {
+double ExpCDF(double x, double Mu) noexcept {
   if (!positiveFinite(Mu) || std::isnan(x)) return kNaN;
   if (x <= 0.0) return 0.0;
   return -std::expm1(-x / Mu);
 }
 
-double ExpPDF(double x, double Mu) {
+double ExpPDF(double x, double Mu) noexcept {
   if (!positiveFinite(Mu) || std::isnan(x)) return kNaN;
   if (x < 0.0) return 0.0;
   // exp(-(u.hi + u.lo)) with the quotient's rounding error removed.
@@ -60,21 +60,21 @@ double ExpPDF(double x, double Mu) {
   return v / Mu;
 }
 
-double ExpCDFInv(double p, double Mu) {
+double ExpCDFInv(double p, double Mu) noexcept {
   if (!positiveFinite(Mu) || !validProb(p)) return kNaN;
   return -Mu * std::log1p(-p);
 }
 
 // Rayleigh with scale B: F(x) = 1 - exp(-x^2/(2 B^2))
 
-double RayleighCDF(double x, double B) {
+double RayleighCDF(double x, double B) noexcept {
   if (!positiveFinite(B) || std::isnan(x)) return kNaN;
   if (x <= 0.0) return 0.0;
   double r = x / B;
   return -std::expm1(-0.5 * r * r);
 }
 
-double RayleighPDF(double x, double B) {
+double RayleighPDF(double x, double B) noexcept {
   if (!positiveFinite(B) || std::isnan(x)) return kNaN;
   if (x <= 0.0 || x == kInf) return 0.0;
   DD r = DD{x, 0.0} / B;
@@ -86,7 +86,7 @@ double RayleighPDF(double x, double B) {
   return v * (r.hi / B);
 }
 
-double RayleighCDFInv(double p, double B) {
+double RayleighCDFInv(double p, double B) noexcept {
   if (!positiveFinite(B) || !validProb(p)) return kNaN;
   return B * std::sqrt(-2.0 * std::log1p(-p));
 }

@@ -66,7 +66,7 @@ namespace statkit {
 
 using namespace detail::prob;
 
-double PoissonCDFInv(double p, double Lambda) {
+double PoissonCDFInv(double p, double Lambda) noexcept {
   if (!validPoisson(Lambda) || !validProb(p)) return kNaN;
   if (Lambda == 0.0 || p == 0.0) return 0.0;
   if (p == 1.0) return kInf;
@@ -75,7 +75,7 @@ double PoissonCDFInv(double p, double Lambda) {
                               [&](double k) { return PoissonCDF(k, Lambda); });
 }
 
-double NegBinomCDFInv(double p, int R, double P) {
+double NegBinomCDFInv(double p, int R, double P) noexcept {
   if (!validNegBinom(R, P) || !validProb(p)) return kNaN;
   if (P == 1.0 || p == 0.0) return 0.0;
   if (p == 1.0) return kInf;

@@ -60,29 +60,29 @@ using namespace detail::prob;
 
 // Chi-square: the gamma distribution with shape Nu/2 and scale 2.
 
-double ChiSquareCDF(double x, int Nu) { return Nu <= 0 ? kNaN : gammaTail(x, 0.5 * Nu, 2.0, false); }
-double ChiSquareCDFc(double x, int Nu) { return Nu <= 0 ? kNaN : gammaTail(x, 0.5 * Nu, 2.0, true); }
-double ChiSquarePDF(double x, int Nu) { return Nu <= 0 ? kNaN : gammaDensity(x, 0.5 * Nu, 2.0); }
+double ChiSquareCDF(double x, int Nu) noexcept { return Nu <= 0 ? kNaN : gammaTail(x, 0.5 * Nu, 2.0, false); }
+double ChiSquareCDFc(double x, int Nu) noexcept { return Nu <= 0 ? kNaN : gammaTail(x, 0.5 * Nu, 2.0, true); }
+double ChiSquarePDF(double x, int Nu) noexcept { return Nu <= 0 ? kNaN : gammaDensity(x, 0.5 * Nu, 2.0); }
 
-double ChiSquareCDFInv(double p, int Nu) {
+double ChiSquareCDFInv(double p, int Nu) noexcept {
   if (Nu <= 0 || !validProb(p)) return kNaN;
   return 2.0 * gammaQuantile(p, 0.5 * Nu);
 }
 
 // Gamma, shape A and scale B
 
-double GammaCDF(double x, double A, double B) { return validGamma(A, B) ? gammaTail(x, A, B, false) : kNaN; }
-double GammaCDFc(double x, double A, double B) { return validGamma(A, B) ? gammaTail(x, A, B, true) : kNaN; }
-double GammaPDF(double x, double A, double B) { return validGamma(A, B) ? gammaDensity(x, A, B) : kNaN; }
+double GammaCDF(double x, double A, double B) noexcept { return validGamma(A, B) ? gammaTail(x, A, B, false) : kNaN; }
+double GammaCDFc(double x, double A, double B) noexcept { return validGamma(A, B) ? gammaTail(x, A, B, true) : kNaN; }
+double GammaPDF(double x, double A, double B) noexcept { return validGamma(A, B) ? gammaDensity(x, A, B) : kNaN; }
 
-double GammaCDFInv(double p, double A, double B) {
+double GammaCDFInv(double p, double A, double B) noexcept {
   if (!validGamma(A, B) || !validProb(p)) return kNaN;
   return B * gammaQuantile(p, A);
 }
 
 // Poisson with mean Lambda (Lambda = 0: all mass at 0): P(X <= k) = Q(k + 1, Lambda).
 
-double PoissonCDF(double x, double Lambda) {
+double PoissonCDF(double x, double Lambda) noexcept {
   if (!validPoisson(Lambda) || std::isnan(x)) return kNaN;
   if (x < 0.0) return 0.0;
   if (Lambda == 0.0 || x == kInf) return 1.0;
@@ -90,7 +90,7 @@ double PoissonCDF(double x, double Lambda) {
   return gammaTails(k + 1.0, Lambda).upper;
 }
 
-double PoissonCDFc(double x, double Lambda) {
+double PoissonCDFc(double x, double Lambda) noexcept {
   if (!validPoisson(Lambda) || std::isnan(x)) return kNaN;
   if (x < 0.0) return 1.0;
   if (Lambda == 0.0 || x == kInf) return 0.0;
@@ -98,7 +98,7 @@ double PoissonCDFc(double x, double Lambda) {
   return gammaTails(k + 1.0, Lambda).lower;
 }
 
-double PoissonPDF(double x, double Lambda) {
+double PoissonPDF(double x, double Lambda) noexcept {
   if (!validPoisson(Lambda) || std::isnan(x)) return kNaN;
   if (x < 0.0 || !isWhole(x) || x == kInf) return 0.0;
   if (Lambda == 0.0) return x == 0.0 ? 1.0 : 0.0;

@@ -180,25 +180,25 @@ using namespace detail::prob;
 
 // Normal
 
-double NormalCDF(double x, double Mu, double Sigma) {
+double NormalCDF(double x, double Mu, double Sigma) noexcept {
   if (!validNormal(Mu, Sigma)) return kNaN;
   DD z = standardize(x, Mu, Sigma);
   return normalLowerTail(z.hi, z.lo);
 }
 
-double NormalCDFc(double x, double Mu, double Sigma) {
+double NormalCDFc(double x, double Mu, double Sigma) noexcept {
   if (!validNormal(Mu, Sigma)) return kNaN;
   DD z = standardize(x, Mu, Sigma);
   return normalLowerTail(-z.hi, -z.lo);
 }
 
-double NormalPDF(double x, double Mu, double Sigma) {
+double NormalPDF(double x, double Mu, double Sigma) noexcept {
   if (!validNormal(Mu, Sigma)) return kNaN;
   DD z = standardize(x, Mu, Sigma);
   return normalDensity(z.hi, z.lo) / Sigma;
 }
 
-double NormalCDFInv(double p, double Mu, double Sigma) {
+double NormalCDFInv(double p, double Mu, double Sigma) noexcept {
   if (!validNormal(Mu, Sigma) || !validProb(p)) return kNaN;
   return std::fma(Sigma, standardNormalQuantile(p), Mu);
 }

@@ -394,9 +394,11 @@ double gammaQuantile(double p, double A) {
 double studentQuantile(double p, double nu) {
   if (p == 0.0) return -kInf;
   if (p == 1.0) return kInf;
-  bm::students_t_distribution<double, PrecisePolicy> dist(nu);
-  if (p <= 0.5) return noThrow([&] { return bm::quantile(dist, p); });
-  return -noThrow([&] { return bm::quantile(dist, 1.0 - p); });
+  auto quantile = [nu](double q) {
+    return bm::quantile(bm::students_t_distribution<double, PrecisePolicy>(nu), q);
+  };
+  if (p <= 0.5) return noThrow([&] { return quantile(p); });
+  return -noThrow([&] { return quantile(1.0 - p); });
 }
 
 // I_x(a, b) = p from Boost's inverse, refined on the smaller tail (the upper one at
@@ -448,7 +450,7 @@ namespace statkit {
 
 using namespace detail::prob;
 
-double ErfInv(double x) {
+double ErfInv(double x) noexcept {
   if (!(x >= -1.0 && x <= 1.0)) return kNaN;
   if (x == 1.0) return kInf;
   if (x == -1.0) return -kInf;
