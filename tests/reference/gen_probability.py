@@ -345,7 +345,7 @@ def build():
         continuous("F", (n1, n2), lambda p, upper=False, n1=n1, n2=n2: positive_quantile(
             lambda x: f_tails(x, n1, n2), p, upper), [1e-300, 1e-10, 1.0, 1e10])
     for a, b in [(0.1, 1.0), (0.5, 2.5), (1.0, 1.0), (3.7, 0.3), (10.0, 7.0), (150.5, 0.01),
-                 (10000.0, 1.0), (250000.0, 3.3)]:
+                 (10000.0, 1.0), (250000.0, 3.3), (2e6, 1.0)]:
         continuous("Gamma", (a, b), lambda p, upper=False, a=a, b=b: positive_quantile(
             lambda x: LAWS["Gamma"][0](x, a, b), p, upper, a * b), [1e-300, 1e-10, 1.0])
     for a, b in [(0.5, 0.5), (1.0, 1.0), (2.0, 5.0), (0.1, 10.0), (50.0, 0.7), (1000.0, 10000.0),

@@ -4,6 +4,19 @@
 // underflow errors return NaN, +-Inf or 0; evaluation and rounding errors go
 // to the user handlers below, which return NaN (ignore_error would return
 // Boost's last guess instead). Include from src/array/*.cpp only.
+//
+// Iteration limits are Boost's defaults (series 10^6 terms, root finders 200
+// steps), but a root finder's limit is no bound by itself: Boost 1.74 counts the
+// steps down in an unsigned integer that its bracketing search can run to zero,
+// after which the count wraps and the search goes on for 2^64 steps (the inverse
+// incomplete beta function with shapes 2.8125 and 1.8e308). Callers keep Boost's
+// inverses to the parameters where they were probed to return and take the rest
+// elsewhere; a throw from a root finder (its own default policy) is caught.
+
+// Boost's internal consistency assertions stay out of debug builds too: some fail on
+// arguments that the callers handle (the inverse incomplete beta function at p = 5e-324
+// with shapes 7.5 and 7.5 asserts x >= 0 in Temme's first method and then recovers).
+#define BOOST_DISABLE_ASSERTS
 
 #include <limits>
 
