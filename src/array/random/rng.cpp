@@ -57,6 +57,9 @@ void TRandomGenerator::Init(TBasicRandomGenerator Generator, int Seed) {
 
 TRngStream& TRandomGenerator::GetStream(int Index) {
   if (Index < 0 || Index >= count_) ERaise(msg::IndexOutOfRange);
+  // Streams are made on first request, so that a large stream count costs
+  // nothing until its streams are used; the lock lets threads ask at once.
+  std::lock_guard<std::mutex> lock(streamsLock_);
   auto it = streams_.find(Index);
   if (it != streams_.end()) return *it->second;
   std::unique_ptr<TRngStream> s;
