@@ -383,7 +383,7 @@ void TDenseKalpa::Abs(const TDenseKalpa& Src) {
   mags.Size(Src.Length());
   for (int i = 0; i < Src.Length(); ++i) mags.data()[i] = std::abs(cplx(Src.data())[i]);
   SizeLike(Src, false);
-  std::memcpy(data(), mags.data(), sizeof(double) * Length());
+  if (Length() > 0) std::memcpy(data(), mags.data(), sizeof(double) * Length());  // an empty vector may have no storage
 }
 
 void TDenseKalpa::Abs(int Index, int Len) {
