@@ -93,6 +93,11 @@ public:
   void RandomRayleigh(TKalpa& Dst, double A, double Beta);
   /// \brief Density (Alpha/Beta) ((x - A)/Beta)^(Alpha - 1) exp(-((x - A)/Beta)^Alpha) for x >= A.
   void RandomWeibull(TKalpa& Dst, double Alpha, double A, double Beta);
+  /// \brief Gamma with shape \p Shape > 0 and scale \p Scale (Marsaglia and Tsang, ACM TOMS 2000).
+  void RandomGamma(TKalpa& Dst, double Shape, double Scale);
+  /// \brief The logarithms of gamma variates of shape \p Shape > 0 and scale 1: finite also
+  /// where the variates underflow (shapes near 0), for ratios such as the beta's.
+  void RandomLogGamma(TKalpa& Dst, double Shape);
   /// \brief Triangular law on [A, B] with mode C (A <= C <= B), by inversion.
   void RandomTriangular(TKalpa& Dst, double A, double B, double C);
   /// \brief Number of successes in \p Trials >= 0 trials of success probability \p P.

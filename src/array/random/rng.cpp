@@ -1,6 +1,7 @@
 // Generators of independent Philox4x32-10 streams and the continuous laws of
 // a stream: uniform, normal (ziggurat or Box-Muller), exponential, Cauchy,
-// Laplace, Rayleigh, Weibull and triangular, the last six by inversion.
+// Laplace, Rayleigh, Weibull and triangular, the last six by inversion, and
+// gamma (Marsaglia and Tsang).
 // Seeds come from the process-wide generator, one draw per generator.
 
 #include <algorithm>
@@ -257,6 +258,27 @@ void TRngStream::RandomWeibull(TKalpa& Dst, double Alpha, double A, double Beta)
   double inverseShape = 1.0 / Alpha;
   BitSource bits(key_, counter_);
   for (int i = 0; i < n; ++i) out[i] = A + Beta * std::pow(-std::log(bits.U01Pos()), inverseShape);
+}
+
+void TRngStream::RandomGamma(TKalpa& Dst, double Shape, double Scale) {
+  double* out = rng::RealDestination(Dst);
+  rng::Require(finite(Shape) && Shape > 0.0);
+  requireLocationScale(0.0, Scale);
+  int n = Dst.Length();
+  BitSource bits(key_, counter_);
+  const auto& t = rng::Ziggurat();
+  rng::GammaMT gamma(Shape);
+  for (int i = 0; i < n; ++i) out[i] = Scale * gamma(bits, t);
+}
+
+void TRngStream::RandomLogGamma(TKalpa& Dst, double Shape) {
+  double* out = rng::RealDestination(Dst);
+  rng::Require(finite(Shape) && Shape > 0.0);
+  int n = Dst.Length();
+  BitSource bits(key_, counter_);
+  const auto& t = rng::Ziggurat();
+  rng::GammaMT gamma(Shape);
+  for (int i = 0; i < n; ++i) out[i] = gamma.Log(bits, t);
 }
 
 void TRngStream::RandomTriangular(TKalpa& Dst, double A, double B, double C) {

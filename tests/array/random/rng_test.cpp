@@ -208,6 +208,9 @@ TEST(RandomStreams, StreamsAreUncorrelated) {
       for (int i = 0; i < chunk; ++i) {
         sx += x[i], sy += y[i], sxy += x[i] * y[i], sxx += x[i] * x[i], syy += y[i] * y[i];
       }
+      {"gamma shape 0", [&] { s.RandomGamma(v, 0, 1); }, "Invalid parameter"},
+      {"gamma negative scale", [&] { s.RandomGamma(v, 2, -1); }, "Invalid parameter"},
+      {"log-gamma NaN shape", [&] { s.RandomLogGamma(v, nan); }, "Invalid parameter"},
     }
     double cov = sxy / n - (sx / n) * (sy / n);
     double r = cov / std::sqrt((sxx / n - (sx / n) * (sx / n)) * (syy / n - (sy / n) * (sy / n)));
