@@ -100,8 +100,19 @@ void RandomWeibull(double a, double b, TDenseKalpa& Results) {
   if (!(a > 0.0) || !(b > 0.0)) ERaise("RandomWeibull: (a<=0) or (b<=0)");
   requireReal(Results, "RandomWeibull : Results.Complex=true");
   // F(x) = 1 - exp(-a x^b) is the stream's Weibull with shape b and scale a^(-1/b).
-  core::Guarded("RandomWeibull : ",
-                [&] { SeededGenerator(1)[0].RandomWeibull(Results, b, 0.0, Power(a, -1.0 / b)); });
+  // Where that scale overflows or underflows, the values (E/a)^(1/b) of the
+  // same standard exponentials E are formed from logarithms instead.
+  core::Guarded("RandomWeibull : ", [&] {
+    double scale = Power(a, -1.0 / b);
+    SeededGenerator gen(1);
+    TRngStream& stream = gen[0];
+    if (scale >= std::numeric_limits<double>::min() && scale <= std::numeric_limits<double>::max())
+      return stream.RandomWeibull(Results, b, 0.0, scale);
+    stream.RandomExponential(Results, 0.0, 1.0);
+    double* out = Results.data();
+    const double logA = std::log(a);
+    for (int i = 0, n = Results.Length(); i < n; ++i) out[i] = std::exp((std::log(out[i]) - logA) / b);
+  });
 }
 
 void RandomTriangular(double a, double b, double c, TDenseKalpa& Results) {

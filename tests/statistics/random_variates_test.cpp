@@ -250,6 +250,11 @@ TEST(RandomVariates, GammaShapeOneIsTheExponential) {
 // Values whose naive formulas underflow or round: gamma and beta shapes near
 // 0 (a beta from two gammas that both underflow would be 0/0), a geometric p
 // below the rounding of 1 - p, and the extreme laws of large parameters.
+      // a^(-1/b) underflows to 0 or overflows, and E^(1/b) overflows: no 0 x INF.
+      {"weibull scale below the doubles", [](TDenseKalpa& r) { RandomWeibull(1e300, 1e-3, r); }, 0},
+      {"weibull scale beyond the doubles", [](TDenseKalpa& r) { RandomWeibull(1e-300, 1e-3, r); }, INF},
+      {"weibull stream scale 0, tiny shape",
+       [](TDenseKalpa& r) { TRandomGenerator().GetStream(0).RandomWeibull(r, 1e-3, 5, 0); }, 5},
 TEST(RandomVariates, ExtremeParametersStayInTheSupport) {
   const int n = 200000;
   TVec r(std::vector<double>(n, 0.0));
@@ -293,6 +298,32 @@ const std::map<std::string, Law>& laws() {
                            [](auto& p, double& m, double& v) { MVChiSquare(int(p[0]), m, v); }}},
       {"RandomExponent", {[](auto& r, auto& p) { RandomExponent(p[0], r); },
                           [](auto& p, double& m, double& v) { MVExponent(p[0], m, v); }}},
+  // Laws whose tail fraction is known where a naive formula overflows: the
+  // Weibull scale 2000^-100 underflows, though P(X > 1e-300) = exp(-2000 (1e-300)^0.01)
+  // = exp(-2); a triangular width beyond the doubles, with P(X < 0) = 1/4.
+  struct Tail {
+    const char* what;
+    Fill fill;
+    bool (*counted)(double);
+    double probability;
+  } tails[] = {
+      {"weibull", [](TDenseKalpa& x) { RandomWeibull(2000, 0.01, x); }, [](double x) { return x > 1e-300; },
+       std::exp(-2.0)},
+      {"triangular", [](TDenseKalpa& x) { RandomTriangular(-1e308, 1e308, 1e308, x); },
+       [](double x) { return x < 0.0; }, 0.25},
+  };
+  for (const auto& t : tails) {
+    SCOPED_TRACE(t.what);
+    t.fill(r);
+    int count = 0;
+    for (double x : r) {
+      ASSERT_TRUE(std::isfinite(x) && x >= -1e308 && x <= 1e308) << x;
+      count += t.counted(x);
+    }
+    double q = t.probability;
+    EXPECT_LE(std::fabs(count - n * q), 5.0 * std::sqrt(n * q * (1 - q)));
+  }
+
       {"RandomF", {[](auto& r, auto& p) { RandomF(int(p[0]), int(p[1]), r); },
                    [](auto& p, double& m, double& v) { MVF(int(p[0]), int(p[1]), m, v); }}},
       {"RandomGamma", {[](auto& r, auto& p) { RandomGamma(p[0], p[1], r); },
