@@ -67,9 +67,10 @@ void RandomLogNormal(double mu, double sigma, TDenseKalpa& Results) {
   if (!(sigma >= 0.0)) ERaise("RandomLogNormal: sigma < 0");
   requireReal(Results, "RandomLogNormal : Results.Complex=true");
   core::Guarded("RandomLogNormal : ", [&] {
-    SeededGenerator(1)[0].RandomGaussian(Results, 0.0, 1.0, gmZiggurat);
+    // The stream refuses a NaN or infinite mu, as RandomNormal's does.
+    SeededGenerator(1)[0].RandomGaussian(Results, mu, sigma, gmZiggurat);
     double* out = Results.data();
-    for (int i = 0, n = Results.Length(); i < n; ++i) out[i] = std::exp(mu + sigma * out[i]);
+    for (int i = 0, n = Results.Length(); i < n; ++i) out[i] = std::exp(out[i]);
   });
 }
 

@@ -91,6 +91,7 @@ TEST(RandomVariates, EveryBadCallRaisesItsExactMessage) {
       {"lognormal complex", [&] { RandomLogNormal(0, 1, c); }, "RandomLogNormal : Results.Complex=true", 0},
       {"negbinom p 1", [&] { RandomNegBinom(3, 1, r); }, "RandomNegBinom: (p < 0 ) or (p >= 1)", 0},
       {"negbinom r 0", [&] { RandomNegBinom(0, 0.5, r); }, "RandomNegBinom: (p < 0 ) or (p >= 1)", 0},
+      {"lognormal mu NaN", [&] { RandomLogNormal(nan, 0, r); }, "RandomLogNormal : Invalid parameter", 1},
       {"negbinom complex", [&] { RandomNegBinom(3, 0.5, c); }, "RandomNegBinom : Results.Complex=true", 0},
       {"normal negative sigma", [&] { RandomNormal(0, -1, r); }, "RandomNormal: sigma < 0", 0},
       {"normal sigma NaN", [&] { RandomNormal(0, nan, r); }, "RandomNormal: sigma < 0", 0},
@@ -120,6 +121,7 @@ TEST(RandomVariates, EveryBadCallRaisesItsExactMessage) {
       {"weibull complex", [&] { RandomWeibull(1, 1, c); }, "RandomWeibull : Results.Complex=true", 0},
   };
   for (const auto& t : table) {
+      {"weibull infinite shape", [&] { RandomWeibull(1, INF, r); }, "RandomWeibull : Invalid parameter", 1},
     SCOPED_TRACE(t.what);
     test::PoolBalance balance;
     RandSeed(77);
