@@ -173,51 +173,6 @@ TEST(RandomStreams, ReproducibleAndRestartedByInitAndByResizing) {
   EXPECT_EQ(draw(fresh, 0), draw(zero, 0));
 }
 
-// Independence: the correlation of 10^7 paired uniforms of two streams stays
-// within 5/sqrt(10^7) (five standard errors of a null correlation), for
-// neighbouring and distant streams, neighbouring seeds and skip-ahead streams.
-TEST(RandomStreams, StreamsAreUncorrelated) {
-  struct Pair {
-    const char* what;
-    TRngStreamIndependence mode;
-    int seedA, streamA, seedB, streamB;
-  } table[] = {
-      {"streams 0 and 1", siDistinctKeys, 1, 0, 1, 1},
-      {"streams 0 and 2", siDistinctKeys, 1, 0, 1, 2},
-      {"streams 1 and 7", siDistinctKeys, 1, 1, 1, 7},
-      {"seeds 5 and 6", siDistinctKeys, 5, 0, 6, 0},
-      {"skip-ahead 0 and 1", siSkipAhead, 1, 0, 1, 1},
-  };
-  const int n = 10000000, chunk = 1000000;
-  for (const auto& t : table) {
-    SCOPED_TRACE(t.what);
-    TRandomGenerator ga, gb;
-    ga.SetStreamIndependence(t.mode);
-    gb.SetStreamIndependence(t.mode);
-    ga.SetStreamCount(8);
-    gb.SetStreamCount(8);
-    ga.Init(rgPhilox4x32, t.seedA);
-    gb.Init(rgPhilox4x32, t.seedB);
-    TVec x, y;
-    x.Size(chunk);
-    y.Size(chunk);
-    double sxy = 0, sx = 0, sy = 0, sxx = 0, syy = 0;
-    for (int done = 0; done < n; done += chunk) {
-      ga.GetStream(t.streamA).RandomUniform(x, -0.5, 0.5);
-      gb.GetStream(t.streamB).RandomUniform(y, -0.5, 0.5);
-      for (int i = 0; i < chunk; ++i) {
-        sx += x[i], sy += y[i], sxy += x[i] * y[i], sxx += x[i] * x[i], syy += y[i] * y[i];
-      }
-      {"gamma shape 0", [&] { s.RandomGamma(v, 0, 1); }, "Invalid parameter"},
-      {"gamma negative scale", [&] { s.RandomGamma(v, 2, -1); }, "Invalid parameter"},
-      {"log-gamma NaN shape", [&] { s.RandomLogGamma(v, nan); }, "Invalid parameter"},
-    }
-    double cov = sxy / n - (sx / n) * (sy / n);
-    double r = cov / std::sqrt((sxx / n - (sx / n) * (sx / n)) * (syy / n - (sy / n) * (sy / n)));
-    EXPECT_LE(std::fabs(r), 5.0 / std::sqrt(double(n))) << "correlation " << r;
-  }
-}
-
 TEST(RandomStreams, RefusedCallsRaiseTheArrayMessages) {
   TRandomGenerator g;
   g.SetStreamCount(2);
