@@ -289,7 +289,7 @@ private:
 class BinomialBTRD {
 public:
   /// \p draws: how many values the caller draws with these parameters (sizes the memo).
-  BinomialBTRD(double n, double p, double draws) : n_(n), p_(p) {
+  BinomialBTRD(double n, double p, double draws) : n_(n) {
     double q = 1.0 - p;
     m_ = std::floor((n + 1.0) * p);
     r_ = p / q;
@@ -349,7 +349,7 @@ private:
   double logRatioToMode(double k) const {
     return LogFactorialRatio(m_, k) + LogFactorialRatio(n_ - m_, n_ - k) + (k - m_) * logR_;
   }
-  double n_, p_, m_, r_, logR_, nr_, npq_, a_, b_, c_, alpha_, vr_, urvr_;
+  double n_, m_, r_, logR_, nr_, npq_, a_, b_, c_, alpha_, vr_, urvr_;
   LogMemo memo_;
 };
 
