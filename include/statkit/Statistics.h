@@ -220,6 +220,11 @@ STATKIT_API void MVWeibull(double a, double b, double& Mean, double& Variance);
 // variates of the named law, from a new generator (or two) seeded by one draw of
 // the process-wide generator each, so a seeded process repeats its values.
 // Parameterisations as for the moments above.
+// A NaN parameter is refused, never turned into NaN values: one that a
+// procedure checks against a bound fails that check (its message, unprefixed);
+// any other NaN or infinite parameter (a location, the Cauchy or Rayleigh
+// scale, the log-normal mu, an infinite gamma or beta shape) raises
+// "<procedure> : Invalid parameter" through the operation's frame.
 
 /// \brief Beta with shapes A and B, as G1 / (G1 + G2) of two gamma variates.
 STATKIT_API void RandomBeta(double A, double B, TDenseKalpa& Results);

@@ -1,14 +1,11 @@
 // Random variates of twenty laws. Each call creates its generators, seeds each
 // by one draw of the process-wide generator and fills Results in storage
-// order. Gamma variates by Marsaglia and Tsang's squeeze-and-reject method
-// (2000), whose acceptance stays above 95% at every shape, where Best's XG
-// (1978) accepts 62% at shape 2.5 and Johnk's (1964) needs two powers per
-// trial; beta, chi-square, F and Student's t build on them.
+// order. Gamma variates come from the stream's sampler (Marsaglia and Tsang's
+// squeeze-and-reject method, 2000); beta, chi-square, F and Student's t build
+// on them.
 
-#include <algorithm>
 #include <cmath>
-#include <numeric>
-#include <vector>
+#include <limits>
 
 #include "core/frame.h"
 #include "statkit/Statistics.h"
@@ -40,104 +37,14 @@ void requireReal(const TDenseKalpa& Results, const char* message) {
   if (Results.Complex()) ERaise(message);
 }
 
-enum class Draw { Uniform, Normal };
-
-/// Rejection sampling over \p n outputs, in chunks that stay in cache: each
-/// round draws one batch per stream (open-interval uniforms or standard
-/// normals, as \p kinds says) for the elements of the chunk still pending,
-/// and \p attempt(draws, value) accepts or not.
-template <int Streams, class Attempt>
-void rejectionFill(SeededGenerator& gen, const Draw (&kinds)[Streams], double* out, int n, Attempt&& attempt) {
-  constexpr int kChunk = 2048;
-  PooledVec batch[Streams];
-  std::vector<int> pending;
-  pending.reserve(kChunk);
-  for (int start = 0; start < n; start += kChunk) {
-    pending.resize(static_cast<std::size_t>(std::min(kChunk, n - start)));
-    std::iota(pending.begin(), pending.end(), start);
-    while (!pending.empty()) {
-      int m = static_cast<int>(pending.size());
-      const double* drawn[Streams];
-      for (int s = 0; s < Streams; ++s) {
-        batch[s]->Size(m);
-        if (kinds[s] == Draw::Normal)
-          gen[s].RandomGaussian(*batch[s], 0.0, 1.0, gmZiggurat);
-        else
-          gen[s].RandomUniform(*batch[s], kOpenLow, kOpenHigh);
-        drawn[s] = batch[s]->data();
-      }
-      std::size_t kept = 0;
-      for (int j = 0; j < m; ++j) {
-        double draws[Streams];
-        for (int s = 0; s < Streams; ++s) draws[s] = drawn[s][j];
-        int at = pending[static_cast<std::size_t>(j)];
-        if (!attempt(draws, out[at])) pending[kept++] = at;
-      }
-      pending.resize(kept);
-    }
-  }
-}
-
-/// Gamma(A, 1) variates, A > 0 and A != 1, by Marsaglia and Tsang, "A simple
-/// method for generating gamma variables", ACM TOMS 26(3), 2000: for a shape
-/// a >= 1, d (1 + c X)^3 with X normal, d = a - 1/3, c = 1/sqrt(9 d), accepted
-/// by a squeeze or the exact test (acceptance above 95% for every a >= 1);
-/// a shape A < 1 is G(A + 1) U^(1/A). Streams: normals, uniforms, and the
-/// uniforms of that power. On the log scale the power stays a logarithm, so
-/// shapes near 0 (whose variates underflow) keep their information for a ratio
-/// such as the beta's.
-void gammaMarsagliaTsang(double A, double* out, int n, bool logScale) {
-  bool boosted = A < 1.0;
-  double a = boosted ? A + 1.0 : A;
-  SeededGenerator gen(boosted ? 3 : 2);
-  const double d = a - 1.0 / 3.0, c = 1.0 / std::sqrt(9.0 * d);
-  rejectionFill<2>(gen, {Draw::Normal, Draw::Uniform}, out, n, [&](const double* draw, double& value) {
-    double x = draw[0], u = draw[1];
-    double v = 1.0 + c * x;
-    if (v <= 0.0) return false;
-    v = v * v * v;
-    double x2 = x * x;
-    if (u < 1.0 - 0.0331 * x2 * x2 || std::log(u) < 0.5 * x2 + d * (1.0 - v + std::log(v))) {
-      value = logScale ? std::log(d * v) : d * v;
-      return true;
-    }
-    return false;
-  });
-  if (!boosted) return;
-  PooledVec power;
-  power->Size(n);
-  gen[2].RandomUniform(*power, kOpenLow, kOpenHigh);
-  const double* u = power->data();
-  const double e = 1.0 / A;
-  // U^(1/A) as exp(log(U)/A): half the time of pow, at a relative error of
-  // |log U|/A eps, which stays at the rounding of a value that does not underflow.
-  if (logScale) {
-    for (int i = 0; i < n; ++i) out[i] += std::log(u[i]) * e;
-  } else {
-    for (int i = 0; i < n; ++i) out[i] *= std::exp(std::log(u[i]) * e);
-  }
-}
-
-/// Gamma variates of shape A and scale B into Results (their logarithms when
-/// \p logScale). Shape 1 is the exponential of one stream.
+/// Gamma variates of shape A and scale B into Results, or, when \p logScale,
+/// the logarithms of those of scale 1 (B unused), from one seeded stream.
+/// Non-finite parameters are refused before the seed is drawn.
 void gammaFill(double A, double B, TDenseKalpa& Results, bool logScale) {
   if (!std::isfinite(A) || !std::isfinite(B)) ERaise(msg::InvalidParameter);
-  double* out = Results.data();
-  int n = Results.Length();
-  if (A == 1.0) {
-    SeededGenerator gen(1);
-    gen[0].RandomExponential(Results, 0.0, B);
-    if (logScale)
-      for (int i = 0; i < n; ++i) out[i] = std::log(out[i]);
-    return;
-  }
-  gammaMarsagliaTsang(A, out, n, logScale);
-  if (logScale) {
-    double logB = std::log(B);
-    for (int i = 0; i < n; ++i) out[i] += logB;
-  } else {
-    for (int i = 0; i < n; ++i) out[i] *= B;
-  }
+  SeededGenerator gen(1);
+  if (logScale) gen[0].RandomLogGamma(Results, A);
+  else gen[0].RandomGamma(Results, A, B);
 }
 
 }  // namespace
@@ -160,9 +67,10 @@ void RandomLogNormal(double mu, double sigma, TDenseKalpa& Results) {
   if (!(sigma >= 0.0)) ERaise("RandomLogNormal: sigma < 0");
   requireReal(Results, "RandomLogNormal : Results.Complex=true");
   core::Guarded("RandomLogNormal : ", [&] {
-    SeededGenerator(1)[0].RandomGaussian(Results, 0.0, 1.0, gmZiggurat);
+    // The stream refuses a NaN or infinite mu, as RandomNormal's does.
+    SeededGenerator(1)[0].RandomGaussian(Results, mu, sigma, gmZiggurat);
     double* out = Results.data();
-    for (int i = 0, n = Results.Length(); i < n; ++i) out[i] = std::exp(mu + sigma * out[i]);
+    for (int i = 0, n = Results.Length(); i < n; ++i) out[i] = std::exp(out[i]);
   });
 }
 
@@ -193,8 +101,19 @@ void RandomWeibull(double a, double b, TDenseKalpa& Results) {
   if (!(a > 0.0) || !(b > 0.0)) ERaise("RandomWeibull: (a<=0) or (b<=0)");
   requireReal(Results, "RandomWeibull : Results.Complex=true");
   // F(x) = 1 - exp(-a x^b) is the stream's Weibull with shape b and scale a^(-1/b).
-  core::Guarded("RandomWeibull : ",
-                [&] { SeededGenerator(1)[0].RandomWeibull(Results, b, 0.0, Power(a, -1.0 / b)); });
+  // Where that scale overflows or underflows, the values (E/a)^(1/b) of the
+  // same standard exponentials E are formed from logarithms instead.
+  core::Guarded("RandomWeibull : ", [&] {
+    double scale = Power(a, -1.0 / b);
+    SeededGenerator gen(1);
+    TRngStream& stream = gen[0];
+    if (scale >= std::numeric_limits<double>::min() && scale <= std::numeric_limits<double>::max())
+      return stream.RandomWeibull(Results, b, 0.0, scale);
+    stream.RandomExponential(Results, 0.0, 1.0);
+    double* out = Results.data();
+    const double logA = std::log(a);
+    for (int i = 0, n = Results.Length(); i < n; ++i) out[i] = std::exp((std::log(out[i]) - logA) / b);
+  });
 }
 
 void RandomTriangular(double a, double b, double c, TDenseKalpa& Results) {

@@ -6,11 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "statkit/Statistics.h"
@@ -89,6 +91,7 @@ TEST(RandomVariates, EveryBadCallRaisesItsExactMessage) {
       {"laplace complex", [&] { RandomLaplace(0, 1, c); }, "RandomLaplace : Results.Complex=true", 0},
       {"lognormal negative sigma", [&] { RandomLogNormal(0, -1, r); }, "RandomLogNormal: sigma < 0", 0},
       {"lognormal complex", [&] { RandomLogNormal(0, 1, c); }, "RandomLogNormal : Results.Complex=true", 0},
+      {"lognormal mu NaN", [&] { RandomLogNormal(nan, 0, r); }, "RandomLogNormal : Invalid parameter", 1},
       {"negbinom p 1", [&] { RandomNegBinom(3, 1, r); }, "RandomNegBinom: (p < 0 ) or (p >= 1)", 0},
       {"negbinom r 0", [&] { RandomNegBinom(0, 0.5, r); }, "RandomNegBinom: (p < 0 ) or (p >= 1)", 0},
       {"negbinom complex", [&] { RandomNegBinom(3, 0.5, c); }, "RandomNegBinom : Results.Complex=true", 0},
@@ -118,6 +121,7 @@ TEST(RandomVariates, EveryBadCallRaisesItsExactMessage) {
       {"weibull a 0", [&] { RandomWeibull(0, 1, r); }, "RandomWeibull: (a<=0) or (b<=0)", 0},
       {"weibull b NaN", [&] { RandomWeibull(1, nan, r); }, "RandomWeibull: (a<=0) or (b<=0)", 0},
       {"weibull complex", [&] { RandomWeibull(1, 1, c); }, "RandomWeibull : Results.Complex=true", 0},
+      {"weibull infinite shape", [&] { RandomWeibull(1, INF, r); }, "RandomWeibull : Invalid parameter", 1},
   };
   for (const auto& t : table) {
     SCOPED_TRACE(t.what);
@@ -198,6 +202,29 @@ TEST(RandomVariates, DrawsPerGeneratorShapeAndReproducibility) {
   }
 }
 
+// Calls on four threads at once take one process-wide draw each, none lost or
+// shared, and keep their pool temporaries and frames apart: the values of 200
+// concurrent calls are those of 200 sequential ones, in some order.
+TEST(RandomVariatesConcurrency, EachCallTakesItsOwnSeed) {
+  auto firstValues = [](int threads) {
+    std::vector<double> first(200);
+    std::vector<std::thread> running;
+    RandSeed(9);
+    for (int t = 0; t < threads; ++t)
+      running.emplace_back([&first, t, threads] {
+        TVec x(std::vector<double>(3, 0.0));
+        for (int i = t; i < 200; i += threads) RandomStudent(1, x), first[static_cast<std::size_t>(i)] = x[0];
+      });
+    for (auto& r : running) r.join();
+    double next = Random();
+    EXPECT_EQ(next, nthDraw(9, 200)) << "process-wide draws";
+    std::sort(first.begin(), first.end());
+    return first;
+  };
+  test::PoolBalance balance;
+  EXPECT_EQ(firstValues(4), firstValues(1));
+}
+
 TEST(RandomVariates, DegenerateParametersGiveTheirLimit) {
   struct Case {
     const char* what;
@@ -223,6 +250,11 @@ TEST(RandomVariates, DegenerateParametersGiveTheirLimit) {
       {"hypgeometric all marked", [](TDenseKalpa& r) { RandomHypGeometric(5, 5, 3, r); }, 3},
       {"hypgeometric whole population", [](TDenseKalpa& r) { RandomHypGeometric(7, 3, 7, r); }, 3},
       {"hypgeometric near INT_MAX", [](TDenseKalpa& r) { RandomHypGeometric(2147483647, 2147483647, 5, r); }, 5},
+      // a^(-1/b) underflows to 0 or overflows, and E^(1/b) overflows: no 0 x INF.
+      {"weibull scale below the doubles", [](TDenseKalpa& r) { RandomWeibull(1e300, 1e-3, r); }, 0},
+      {"weibull scale beyond the doubles", [](TDenseKalpa& r) { RandomWeibull(1e-300, 1e-3, r); }, INF},
+      {"weibull stream scale 0, tiny shape",
+       [](TDenseKalpa& r) { TRandomGenerator().GetStream(0).RandomWeibull(r, 1e-3, 5, 0); }, 5},
   };
   for (const auto& t : table) {
     SCOPED_TRACE(t.what);
@@ -265,6 +297,32 @@ TEST(RandomVariates, ExtremeParametersStayInTheSupport) {
 
   RandomGamma(1e-3, 1.0, r);
   for (double x : r) ASSERT_TRUE(x >= 0.0 && std::isfinite(x)) << x;
+
+  // Laws whose tail fraction is known where a naive formula overflows: the
+  // Weibull scale 2000^-100 underflows, though P(X > 1e-300) = exp(-2000 (1e-300)^0.01)
+  // = exp(-2); a triangular width beyond the doubles, with P(X < 0) = 1/4.
+  struct Tail {
+    const char* what;
+    Fill fill;
+    bool (*counted)(double);
+    double probability;
+  } tails[] = {
+      {"weibull", [](TDenseKalpa& x) { RandomWeibull(2000, 0.01, x); }, [](double x) { return x > 1e-300; },
+       std::exp(-2.0)},
+      {"triangular", [](TDenseKalpa& x) { RandomTriangular(-1e308, 1e308, 1e308, x); },
+       [](double x) { return x < 0.0; }, 0.25},
+  };
+  for (const auto& t : tails) {
+    SCOPED_TRACE(t.what);
+    t.fill(r);
+    int count = 0;
+    for (double x : r) {
+      ASSERT_TRUE(std::isfinite(x) && x >= -1e308 && x <= 1e308) << x;
+      count += t.counted(x);
+    }
+    double q = t.probability;
+    EXPECT_LE(std::fabs(count - n * q), 5.0 * std::sqrt(n * q * (1 - q)));
+  }
 
   RandomGeometric(1e-17, r);
   double mean = 0.0;

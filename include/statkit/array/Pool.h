@@ -1,7 +1,13 @@
 #pragma once
 // The pool of temporary objects: CreateIt hands objects out, FreeIt takes
 // them back; PooledVec and PooledMtx give theirs back on every exit.
-// The pool is safe under concurrent callers.
+//
+// Threads: CreateIt, FreeIt, the Pooled handles and PoolOutstanding may be
+// called from any number of threads at once (one lock guards the idle
+// objects). An object handed out belongs to its caller alone until it is given
+// back, as any TVec or TMtx: one thread uses it at a time. PoolOutstanding
+// counts the objects out of every thread, so a test that compares two counts
+// holds only while no other thread takes or gives back objects.
 
 #include <span>
 #include <type_traits>

@@ -3,12 +3,15 @@
 // generator that the library creates, and counter-based generators with
 // independent streams that fill vectors and matrices with variates.
 //
-// The process-wide generator is thread-safe and starts from a fixed state, so
-// a program that never seeds it repeats its results.
+// Threads: Random, RandSeed, Randomize and NextSeed may be called from any
+// number of threads at once (the state is one atomic word, so every call takes
+// its own draw and none is lost or repeated). The process-wide generator
+// starts from a fixed state, so a program that never seeds it repeats its results.
 
 #include <array>
 #include <cstdint>
 #include <map>
+#include <mutex>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -64,9 +67,13 @@ class TRandomGenerator;
 ///
 /// Every fill writes Dst.Length() values in storage order and starts at a fresh
 /// block, so the values of a call do not depend on how earlier calls ended.
-/// A parameter outside the law's domain raises "Invalid parameter"; complex
-/// destinations raise "Complex data not supported". A scale of 0 gives the
-/// location in every element.
+/// A parameter outside the law's domain (NaN included) raises "Invalid
+/// parameter"; complex destinations raise "Complex data not supported". A
+/// scale of 0 gives the location in every element.
+///
+/// Threads: a stream is used by one thread at a time (a fill advances its
+/// counter); distinct streams, of one generator or of several, may fill at the
+/// same time, since the samplers share only tables that are built once and read.
 class STATKIT_API TRngStream : public TObject {
 public:
   TRngStream(const TRngStream&) = delete;
@@ -86,6 +93,11 @@ public:
   void RandomRayleigh(TKalpa& Dst, double A, double Beta);
   /// \brief Density (Alpha/Beta) ((x - A)/Beta)^(Alpha - 1) exp(-((x - A)/Beta)^Alpha) for x >= A.
   void RandomWeibull(TKalpa& Dst, double Alpha, double A, double Beta);
+  /// \brief Gamma with shape \p Shape > 0 and scale \p Scale (Marsaglia and Tsang, ACM TOMS 2000).
+  void RandomGamma(TKalpa& Dst, double Shape, double Scale);
+  /// \brief The logarithms of gamma variates of shape \p Shape > 0 and scale 1: finite also
+  /// where the variates underflow (shapes near 0), for ratios such as the beta's.
+  void RandomLogGamma(TKalpa& Dst, double Shape);
   /// \brief Triangular law on [A, B] with mode C (A <= C <= B), by inversion.
   void RandomTriangular(TKalpa& Dst, double A, double B, double C);
   /// \brief Number of successes in \p Trials >= 0 trials of success probability \p P.
@@ -116,6 +128,13 @@ private:
 /// Use: optionally SetStreamIndependence, then SetStreamCount, Init, GetStream.
 /// Before Init a generator behaves as if seeded with Init(rgPhilox4x32, 0).
 /// Changing the stream count or the independence restarts every stream.
+///
+/// Threads: GetStream and StreamCount may be called from several threads at
+/// once (a stream is created on first request under the generator's lock, and
+/// a reference to it stays valid for the generator's lifetime), and each
+/// thread may then fill its own stream. SetStreamIndependence, SetStreamCount
+/// and Init restart every stream: call them while no other thread uses the
+/// generator or any of its streams.
 class STATKIT_API TRandomGenerator : public TObject {
 public:
   TRandomGenerator();
@@ -143,7 +162,8 @@ private:
   TRngStreamIndependence independence_ = siDistinctKeys;
   int count_ = 1;
   std::uint32_t seed_ = 0;
-  std::map<int, std::unique_ptr<TRngStream>> streams_;  // made on first use
+  std::mutex streamsLock_;                              // guards streams_ in GetStream
+  std::map<int, std::unique_ptr<TRngStream>> streams_;  // made on first request
 };
 
 }  // namespace statkit

@@ -74,24 +74,20 @@ void zip(double* d, const double* a, const double* b, int n, bool complex, F f) 
 }
 
 // The hot reductions are compiled for AVX-512, AVX2 and the baseline
-// instruction set, chosen at load time (GCC/Clang function multiversioning).
+// instruction set, and each call goes through a function pointer chosen once,
+// at first use, from what the processor has. Load-time dispatch (ifunc
+// resolvers) would run before the sanitizers' runtimes are up, so it is not
+// used. Four-double vectors are passed only by reference: by value they would
+// change the calling convention between the AVX and the baseline builds.
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
-// The vector type never crosses this file's boundary, so the ABI note does not apply.
-#pragma GCC diagnostic ignored "-Wpsabi"
-#define STATKIT_SIMD_CLONES __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define STATKIT_SIMD_CLONES
+#define STATKIT_X86_VERSIONS 1
 #endif
 
 typedef double Lanes __attribute__((vector_size(32)));
 
-inline Lanes loadLanes(const double* p) {
-  Lanes v;
-  std::memcpy(&v, p, sizeof v);
-  return v;
-}
+[[gnu::always_inline]] inline void loadLanes(Lanes& v, const double* p) { std::memcpy(&v, p, sizeof v); }
 
-inline double laneSum(Lanes v) { return (v[0] + v[1]) + (v[2] + v[3]); }
+[[gnu::always_inline]] inline double laneSum(const Lanes& v) { return (v[0] + v[1]) + (v[2] + v[3]); }
 
 /// Neumaier's compensated addition of one block sum into (total, comp).
 inline void addCompensated(double& total, double& comp, double block) {
@@ -104,92 +100,133 @@ constexpr std::size_t kBlock = 256;
 
 /// Blocked sum of g over x[0..n): sixteen independent partial sums per block
 /// (four vectors of four lanes), block sums added with compensation.
+/// g(v) replaces the four lanes of v by the terms they contribute.
 template <class G>
 [[gnu::always_inline]] inline double blockedSum(const double* x, std::size_t n, G g) {
   double total = 0.0, comp = 0.0;
   for (std::size_t start = 0; start < n; start += kBlock) {
     std::size_t end = std::min(n, start + kBlock);
-    Lanes a = {0, 0, 0, 0}, b = a, c = a, d = a;
+    Lanes a = {0, 0, 0, 0}, b = a, c = a, d = a, v;
     std::size_t i = start;
     for (; i + 16 <= end; i += 16) {
-      a += g(loadLanes(x + i));
-      b += g(loadLanes(x + i + 4));
-      c += g(loadLanes(x + i + 8));
-      d += g(loadLanes(x + i + 12));
+      loadLanes(v, x + i), g(v), a += v;
+      loadLanes(v, x + i + 4), g(v), b += v;
+      loadLanes(v, x + i + 8), g(v), c += v;
+      loadLanes(v, x + i + 12), g(v), d += v;
     }
-    double block = laneSum((a + b) + (c + d));
+    a = (a + b) + (c + d);
+    double block = laneSum(a);
     for (; i < end; ++i) {
       Lanes one = {x[i], 0, 0, 0};
-      block += g(one)[0];
+      g(one);
+      block += one[0];
     }
     addCompensated(total, comp, block);
   }
   return total + comp;
 }
 
-}  // namespace
-
-STATKIT_SIMD_CLONES double detail::Dot(const double* a, const double* b, std::size_t n) {
+[[gnu::always_inline]] inline double dotBody(const double* a, const double* b, std::size_t n) {
   double total = 0.0, comp = 0.0;
   for (std::size_t start = 0; start < n; start += kBlock) {
     std::size_t end = std::min(n, start + kBlock);
-    Lanes p = {0, 0, 0, 0}, q = p, r = p, t = p;
+    Lanes p = {0, 0, 0, 0}, q = p, r = p, t = p, u, v;
     std::size_t i = start;
     for (; i + 16 <= end; i += 16) {
-      p += loadLanes(a + i) * loadLanes(b + i);
-      q += loadLanes(a + i + 4) * loadLanes(b + i + 4);
-      r += loadLanes(a + i + 8) * loadLanes(b + i + 8);
-      t += loadLanes(a + i + 12) * loadLanes(b + i + 12);
+      loadLanes(u, a + i), loadLanes(v, b + i), p += u * v;
+      loadLanes(u, a + i + 4), loadLanes(v, b + i + 4), q += u * v;
+      loadLanes(u, a + i + 8), loadLanes(v, b + i + 8), r += u * v;
+      loadLanes(u, a + i + 12), loadLanes(v, b + i + 12), t += u * v;
     }
-    double block = laneSum((p + q) + (r + t));
+    p = (p + q) + (r + t);
+    double block = laneSum(p);
     for (; i < end; ++i) block += a[i] * b[i];
     addCompensated(total, comp, block);
   }
   return total + comp;
 }
 
-namespace {
-
-STATKIT_SIMD_CLONES double plainSum(const double* x, std::size_t n) {
-  return blockedSum(x, n, [](Lanes v) { return v; });
+[[gnu::always_inline]] inline double plainSumBody(const double* x, std::size_t n) {
+  return blockedSum(x, n, [](Lanes&) {});
 }
 
-STATKIT_SIMD_CLONES double squaresSum(const double* x, std::size_t n) {
-  return blockedSum(x, n, [](Lanes v) { return v * v; });
+[[gnu::always_inline]] inline double squaresSumBody(const double* x, std::size_t n) {
+  return blockedSum(x, n, [](Lanes& v) { v *= v; });
 }
 
 /// Sum of squared deviations about m.
-STATKIT_SIMD_CLONES double deviationSumOfSquares(const double* x, std::size_t n, double m) {
-  return blockedSum(x, n, [m](Lanes v) { return (v - m) * (v - m); });
+[[gnu::always_inline]] inline double deviationSumOfSquaresBody(const double* x, std::size_t n, double m) {
+  return blockedSum(x, n, [m](Lanes& v) {
+    v -= m;
+    v *= v;
+  });
 }
 
 /// Sum of squared deviations about m, with the corrected two-pass term: the
 /// sum of the deviations themselves, gathered in the same pass, removes the
 /// error of m.
-STATKIT_SIMD_CLONES double centredSumOfSquares(const double* x, std::size_t n, double m) {
+[[gnu::always_inline]] inline double centredSumOfSquaresBody(const double* x, std::size_t n, double m) {
   double ss = 0.0, comp = 0.0, s = 0.0;
   for (std::size_t start = 0; start < n; start += kBlock) {
     std::size_t end = std::min(n, start + kBlock);
-    Lanes q0 = {0, 0, 0, 0}, q1 = q0, d0 = q0, d1 = q0;
+    Lanes q0 = {0, 0, 0, 0}, q1 = q0, d0 = q0, d1 = q0, a, b;
     std::size_t i = start;
     for (; i + 8 <= end; i += 8) {
-      Lanes a = loadLanes(x + i) - m, b = loadLanes(x + i + 4) - m;
+      loadLanes(a, x + i), loadLanes(b, x + i + 4);
+      a -= m, b -= m;
       q0 += a * a;
       q1 += b * b;
       d0 += a;
       d1 += b;
     }
-    double block = laneSum(q0 + q1), dev = laneSum(d0 + d1);
+    q0 += q1, d0 += d1;
+    double block = laneSum(q0), dev = laneSum(d0);
     for (; i < end; ++i) {
-      double a = x[i] - m;
-      block += a * a;
-      dev += a;
+      double e = x[i] - m;
+      block += e * e;
+      dev += e;
     }
     addCompensated(ss, comp, block);
     s += dev;
   }
   return (ss + comp) - s * s / static_cast<double>(n);
 }
+
+#ifdef STATKIT_X86_VERSIONS
+/// The AVX-512 build if the processor has it, else the AVX2 build, else the baseline.
+template <class F>
+F bestVersion(F avx512, F avx2, F baseline) {
+  __builtin_cpu_init();  // harmless when done; needed if the first call precedes the constructors
+  if (__builtin_cpu_supports("avx512f")) return avx512;
+  if (__builtin_cpu_supports("avx2")) return avx2;
+  return baseline;
+}
+// NAME(Params) calls, through a pointer set at its first call, the build of
+// NAME##Body for the best instruction set the processor has.
+#define STATKIT_VERSIONED(Name, Params, Args)                                                           \
+  __attribute__((target("avx512f"))) double Name##Avx512 Params { return Name##Body Args; }          \
+  __attribute__((target("avx2"))) double Name##Avx2 Params { return Name##Body Args; }               \
+  double Name##Baseline Params { return Name##Body Args; }                                           \
+  double Name Params {                                                                               \
+    static const auto version = bestVersion(&Name##Avx512, &Name##Avx2, &Name##Baseline);            \
+    return version Args;                                                                             \
+  }
+#else
+#define STATKIT_VERSIONED(Name, Params, Args) \
+  double Name Params { return Name##Body Args; }
+#endif
+
+STATKIT_VERSIONED(dot, (const double* a, const double* b, std::size_t n), (a, b, n))
+STATKIT_VERSIONED(plainSum, (const double* x, std::size_t n), (x, n))
+STATKIT_VERSIONED(squaresSum, (const double* x, std::size_t n), (x, n))
+STATKIT_VERSIONED(deviationSumOfSquares, (const double* x, std::size_t n, double m), (x, n, m))
+STATKIT_VERSIONED(centredSumOfSquares, (const double* x, std::size_t n, double m), (x, n, m))
+
+}  // namespace
+
+double detail::Dot(const double* a, const double* b, std::size_t n) { return dot(a, b, n); }
+
+namespace {
 
 /// Sum of the real and of the imaginary parts of n complex elements.
 Cplx complexSum(const double* x, int n) {
@@ -351,7 +388,7 @@ void TDenseKalpa::Abs(const TDenseKalpa& Src) {
   mags.Size(Src.Length());
   for (int i = 0; i < Src.Length(); ++i) mags.data()[i] = std::abs(cplx(Src.data())[i]);
   SizeLike(Src, false);
-  std::memcpy(data(), mags.data(), sizeof(double) * Length());
+  if (Length() > 0) std::memcpy(data(), mags.data(), sizeof(double) * Length());  // an empty vector may have no storage
 }
 
 void TDenseKalpa::Abs(int Index, int Len) {

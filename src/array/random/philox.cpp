@@ -279,7 +279,8 @@ void BitSource::refill() {
 void BitSource::Words(std::uint32_t* dst, std::size_t n) {
   // First what is left of the chunk, then whole batches straight into dst.
   std::size_t take = std::min(n, end_ - pos_);
-  std::memcpy(dst, buf_ + pos_, take * sizeof(std::uint32_t));
+  // An empty destination may be a null pointer, which memcpy must not be given.
+  if (take > 0) std::memcpy(dst, buf_ + pos_, take * sizeof(std::uint32_t));
   pos_ += take;
   dst += take;
   n -= take;

@@ -1,6 +1,7 @@
 // Generators of independent Philox4x32-10 streams and the continuous laws of
 // a stream: uniform, normal (ziggurat or Box-Muller), exponential, Cauchy,
-// Laplace, Rayleigh, Weibull and triangular, the last six by inversion.
+// Laplace, Rayleigh, Weibull and triangular, the last six by inversion, and
+// gamma (Marsaglia and Tsang).
 // Seeds come from the process-wide generator, one draw per generator.
 
 #include <algorithm>
@@ -57,6 +58,9 @@ void TRandomGenerator::Init(TBasicRandomGenerator Generator, int Seed) {
 
 TRngStream& TRandomGenerator::GetStream(int Index) {
   if (Index < 0 || Index >= count_) ERaise(msg::IndexOutOfRange);
+  // Streams are made on first request, so that a large stream count costs
+  // nothing until its streams are used; the lock lets threads ask at once.
+  std::lock_guard<std::mutex> lock(streamsLock_);
   auto it = streams_.find(Index);
   if (it != streams_.end()) return *it->second;
   std::unique_ptr<TRngStream> s;
@@ -251,9 +255,43 @@ void TRngStream::RandomWeibull(TKalpa& Dst, double Alpha, double A, double Beta)
   requireLocationScale(A, Beta);
   rng::Require(finite(Alpha) && Alpha > 0.0);
   int n = Dst.Length();
-  double inverseShape = 1.0 / Alpha;
   BitSource bits(key_, counter_);
-  for (int i = 0; i < n; ++i) out[i] = A + Beta * std::pow(-std::log(bits.U01Pos()), inverseShape);
+  if (Beta == 0.0) {  // the location, also where E^(1/Alpha) overflows (0 x Inf)
+    for (int i = 0; i < n; ++i) out[i] = A;
+    return;
+  }
+  const double inverseShape = 1.0 / Alpha, logScale = std::log(Beta);
+  for (int i = 0; i < n; ++i) {
+    double e = -std::log(bits.U01Pos());
+    double p = std::pow(e, inverseShape);
+    // Where E^(1/Alpha) overflows or underflows, Beta E^(1/Alpha) may not: its
+    // logarithm is a sum of finite terms, or -INF.
+    double x = p >= std::numeric_limits<double>::min() && p <= std::numeric_limits<double>::max()
+                   ? Beta * p
+                   : std::exp(logScale + std::log(e) * inverseShape);
+    out[i] = A + x;
+  }
+}
+
+void TRngStream::RandomGamma(TKalpa& Dst, double Shape, double Scale) {
+  double* out = rng::RealDestination(Dst);
+  rng::Require(finite(Shape) && Shape > 0.0);
+  requireLocationScale(0.0, Scale);
+  int n = Dst.Length();
+  BitSource bits(key_, counter_);
+  const auto& t = rng::Ziggurat();
+  rng::GammaMT gamma(Shape);
+  for (int i = 0; i < n; ++i) out[i] = Scale * gamma(bits, t);
+}
+
+void TRngStream::RandomLogGamma(TKalpa& Dst, double Shape) {
+  double* out = rng::RealDestination(Dst);
+  rng::Require(finite(Shape) && Shape > 0.0);
+  int n = Dst.Length();
+  BitSource bits(key_, counter_);
+  const auto& t = rng::Ziggurat();
+  rng::GammaMT gamma(Shape);
+  for (int i = 0; i < n; ++i) out[i] = gamma.Log(bits, t);
 }
 
 void TRngStream::RandomTriangular(TKalpa& Dst, double A, double B, double C) {
@@ -261,16 +299,21 @@ void TRngStream::RandomTriangular(TKalpa& Dst, double A, double B, double C) {
   rng::Require(finite(A) && finite(B) && finite(C) && A <= C && C <= B);
   int n = Dst.Length();
   BitSource bits(key_, counter_);
-  double width = B - A;
-  if (width == 0.0) {
+  if (A == B) {
     for (int i = 0; i < n; ++i) out[i] = A;
     return;
   }
-  // F(x) = (x - A)^2 / ((B - A)(C - A)) up to the mode, 1 - (B - x)^2 / ((B - A)(B - C)) above.
-  double split = (C - A) / width;
+  // Where B - A overflows, the law is drawn on [A/2, B/2] and doubled (halving
+  // is exact at such magnitudes, and doubling a point of [A/2, B/2] cannot overflow).
+  const double s = finite(B - A) ? 1.0 : 0.5;
+  const double a = A * s, b = B * s, c = C * s, width = b - a;
+  // F(x) = (x - a)^2 / ((b - a)(c - a)) up to the mode, 1 - (b - x)^2 / ((b - a)(b - c)) above;
+  // the products under the roots are taken as products of roots, which cannot overflow.
+  const double split = (c - a) / width;
+  const double rise = std::sqrt(width) * std::sqrt(c - a), fall = std::sqrt(width) * std::sqrt(b - c);
   for (int i = 0; i < n; ++i) {
     double u = bits.U01();
-    out[i] = u < split ? A + std::sqrt(u * width * (C - A)) : B - std::sqrt((1.0 - u) * width * (B - C));
+    out[i] = (u < split ? a + rise * std::sqrt(u) : b - fall * std::sqrt(1.0 - u)) / s;
   }
 }
 

@@ -74,7 +74,8 @@ void TRngStream::RandomNegbinomial(TKalpa& Dst, double R, double P) {
   // A Poisson variate whose mean is a gamma variate of shape R and scale (1 - P)/P
   // (Devroye, Non-Uniform Random Variate Generation, 1986, X.4.7).
   const auto& zig = rng::Ziggurat();
-  for (int i = 0; i < count; ++i) out[i] = rng::PoissonAny(bits, rng::GammaMT(bits, zig, R) * scale);
+  rng::GammaMT gamma(R);
+  for (int i = 0; i < count; ++i) out[i] = rng::PoissonAny(bits, gamma(bits, zig) * scale);
 }
 
 void TRngStream::RandomHypergeometric(TKalpa& Dst, int Population, int Marked, int Sample) {
