@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs what is missing, then builds and runs the whole test suite twice:
-# a normal optimised build, and under AddressSanitizer + UndefinedBehaviorSanitizer.
+# a normal optimised build, and under AddressSanitizer + UndefinedBehaviorSanitizer,
+# warnings as errors in both.
 # Exits non-zero when anything fails.
 set -u
 cd "$(dirname "$0")/.."
@@ -12,7 +13,7 @@ status=0
 run_suite() {
   dir=$1; shift
   echo "== $dir =="
-  cmake -S . -B "$dir" -DSTATKIT_BUILD_TESTS=ON -DSTATKIT_BUILD_EXAMPLES=ON "$@" >/dev/null &&
+  cmake -S . -B "$dir" -DSTATKIT_BUILD_TESTS=ON -DSTATKIT_BUILD_EXAMPLES=ON -DSTATKIT_WERROR=ON "$@" >/dev/null &&
     cmake --build "$dir" -j "$jobs" &&
     (cd "$dir" && ctest --output-on-failure -j "$jobs") || status=1
 }

@@ -102,7 +102,9 @@ TEST(Percentile, SelectionAgreesWithAFullSortOnLargeData) {
       if (k == n) continue;
       const double lo = sorted[k - 1], hi = sorted[k];
       const double mixed = Percentile(x, (k - 0.75) / (n - 1), pctMethodNMinus);
-      if (std::isfinite(lo) && std::isfinite(hi)) EXPECT_REL(mixed, 0.75 * lo + 0.25 * hi, 4 * kEps) << "rank " << k;
+      if (std::isfinite(lo) && std::isfinite(hi)) {
+        EXPECT_REL(mixed, 0.75 * lo + 0.25 * hi, 4 * kEps) << "rank " << k;
+      }
     }
   }
 }
