@@ -1,4 +1,5 @@
-// A host program built against the installed package.
+// A host program built against statkit as hosts embed it: the installed CMake package, the
+// installed pkg-config file, or the source tree added with add_subdirectory.
 #include <statkit/statkit.h>
 
 #include <cstdio>
