@@ -270,6 +270,9 @@ class STATKIT_API TVec : public TDenseKalpa {
 public:
   TVec() = default;
   TVec(std::initializer_list<double> values);
+  /// \brief \p Length zeros (complex zeros when \p Complex); a negative length raises "Size mismatch".
+  /// Parentheses pick this constructor, braces the list: TVec(3) is three zeros, TVec{3} the one element 3.
+  explicit TVec(int Length, bool Complex = false);
   explicit TVec(const std::vector<double>& values);
   TVec(const TVec& other);
   TVec(TVec&& other) noexcept;

@@ -89,6 +89,10 @@ TEST(Storage, ComplexElementsArePairsOfDoubles) {
   z.CValues(1) = {3, -4};
   EXPECT_EQ(z.data()[3], -4);
   EXPECT_RAISES(z[0], "Complex data not supported");
+  EXPECT_RAISES(z.begin(), "Complex data not supported");  // no range-for over complex data
+  TVec zeros(3, true), three{3};  // parentheses give a length, braces the listed values
+  EXPECT_EQ(zeros.CValues(2), TCplx(0, 0));
+  EXPECT_EQ(three.Length(), 1);
   TVec r{1, 2};
   EXPECT_RAISES(r.CValues(0), "Size mismatch");
 
@@ -135,6 +139,7 @@ TEST(Storage, OutOfRangeAndMismatchedCallsRaise) {
       {"std of nothing", [&] { (void)empty.StdDev(); }, "Empty vector"},
       {"difference of nothing", [&] { empty.Difference(); }, "Empty vector"},
       {"negative length", [&] { empty.Size(-1); }, "Size mismatch"},
+      {"negative sized vector", [&] { TVec n(-1); }, "Size mismatch"},
       {"ragged matrix", [&] { TMtx r{{1, 2}, {3}}; }, "Size mismatch"},
       {"sort complex", [&] { TVec z; z.Size(2, true); z.SortAscend(); }, "Complex data not supported"},
       {"mixed complex add", [&] { TVec z; z.Size(3, true); z.SetZero(); TVec d; d.Add(v, z); },
