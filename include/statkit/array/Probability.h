@@ -61,6 +61,9 @@ STATKIT_API double BetaCDFInv(double p, double A, double B);
 STATKIT_API void BetaCDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
 STATKIT_API void BetaPDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
 
+/// \brief Weibull distribution function, A the rate-like scale and B the shape: F(x) = 1 - exp(-A x^B)
+/// for x >= 0, density A B x^(B-1) exp(-A x^B) (scale A^(-1/B) in the usual form); the other Weibull
+/// functions take A and B in the same sense.
 STATKIT_API double WeibullCDF(double x, double A, double B);
 STATKIT_API double WeibullPDF(double x, double A, double B);
 STATKIT_API double WeibullCDFInv(double p, double A, double B);
@@ -72,6 +75,8 @@ STATKIT_API double ExpPDF(double x, double Mu);
 STATKIT_API double ExpCDFInv(double p, double Mu);
 STATKIT_API void ExpCDF(const TDenseKalpa& X, double Mu, TDenseKalpa& Dst);
 
+/// \brief Rayleigh distribution function with scale B: F(x) = 1 - exp(-x^2/(2 B^2)) for x >= 0, density
+/// (x/B^2) exp(-x^2/(2 B^2)), mean B sqrt(pi/2); the other Rayleigh functions take B in the same sense.
 STATKIT_API double RayleighCDF(double x, double B);
 STATKIT_API double RayleighPDF(double x, double B);
 STATKIT_API double RayleighCDFInv(double p, double B);

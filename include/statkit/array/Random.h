@@ -82,9 +82,14 @@ public:
   void RandomCauchy(TKalpa& Dst, double A, double B);
   /// \brief Density exp(-|x - A|/B)/(2 B).
   void RandomLaplace(TKalpa& Dst, double A, double B);
-  /// \brief Density 2 (x - A)/Beta^2 exp(-((x - A)/Beta)^2) for x >= A.
+  /// \brief Rayleigh displaced by \p A with \p Beta > 0: density 2 (x - A)/Beta^2 exp(-((x - A)/Beta)^2)
+  /// for x >= A. Beta is sqrt(2) times the scale b of Statistics::RandomRayleigh and RayleighCDF
+  /// (density (x/b^2) exp(-x^2/(2 b^2))): A = 0, Beta = b sqrt(2) draws that law, mean b sqrt(pi/2).
   void RandomRayleigh(TKalpa& Dst, double A, double Beta);
-  /// \brief Density (Alpha/Beta) ((x - A)/Beta)^(Alpha - 1) exp(-((x - A)/Beta)^Alpha) for x >= A.
+  /// \brief Weibull with shape \p Alpha > 0, displacement \p A and scale \p Beta > 0: density
+  /// (Alpha/Beta) ((x - A)/Beta)^(Alpha - 1) exp(-((x - A)/Beta)^Alpha) for x >= A. The law
+  /// F(x) = 1 - exp(-a x^b) of Statistics::RandomWeibull and WeibullCDF is Alpha = b, A = 0,
+  /// Beta = a^(-1/b).
   void RandomWeibull(TKalpa& Dst, double Alpha, double A, double Beta);
   /// \brief Triangular law on [A, B] with mode C (A <= C <= B), by inversion.
   void RandomTriangular(TKalpa& Dst, double A, double B, double C);
@@ -130,6 +135,7 @@ public:
   void SetStreamIndependence(TRngStreamIndependence Independence);
   /// \brief The number of streams (at least 1).
   void SetStreamCount(int Count);
+  /// \brief The number of streams.
   int StreamCount() const { return count_; }
   /// \brief Seeds every stream; only rgPhilox4x32 is supported.
   void Init(TBasicRandomGenerator Generator, int Seed);
