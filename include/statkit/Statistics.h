@@ -69,15 +69,15 @@ STATKIT_API void TiedRanks(const TVec& Data, TVec& Ranks, double& TieSum);
 // --- location, spread and moments -------------------------------------------
 
 /// \brief Geometric mean.
-STATKIT_API double MeanG(const TVec& Data);
+[[nodiscard]] STATKIT_API double MeanG(const TVec& Data);
 /// \brief Harmonic mean.
-STATKIT_API double MeanH(const TVec& Data);
+[[nodiscard]] STATKIT_API double MeanH(const TVec& Data);
 /// \brief Mean of the elements between the Percent/2 and 1 - Percent/2 percentiles (Percent a fraction).
-STATKIT_API double MeanT(const TVec& Data, double Percent);
+[[nodiscard]] STATKIT_API double MeanT(const TVec& Data, double Percent);
 /// \brief (1/n) sum (x - Mean)^Order; 0 when Order <= 1.
-STATKIT_API double Moment(const TVec& X, double Mean, int Order);
+[[nodiscard]] STATKIT_API double Moment(const TVec& X, double Mean, int Order);
 /// \brief Max - Min.
-STATKIT_API double Range(const TVec& X);
+[[nodiscard]] STATKIT_API double Range(const TVec& X);
 /// \brief Range of every row / column.
 STATKIT_API void RangeRows(const TMtx& Data, TVec& Dst);
 STATKIT_API void RangeCols(const TMtx& Data, TVec& Dst);
@@ -90,9 +90,9 @@ STATKIT_API void ZScore(const TMtx& Data, TMtx& Dst);
 // --- percentiles and histograms ---------------------------------------------
 
 /// \brief The p-quantile of \p X by the rule \p Method.
-STATKIT_API double Percentile(const TVec& X, double p, TPercentileMethod Method);
+[[nodiscard]] STATKIT_API double Percentile(const TVec& X, double p, TPercentileMethod Method);
 /// \brief Upper minus lower quartile; 0 when the percentiles cannot be computed.
-STATKIT_API double InterQuartile(const TVec& X, TPercentileMethod Method);
+[[nodiscard]] STATKIT_API double InterQuartile(const TVec& X, TPercentileMethod Method);
 /// \brief Counts \p Data into \p NumBins equal bins between \p Lo and \p Hi; \p Bins receives
 /// the centres (CenterBins) or the NumBins + 1 edges.
 STATKIT_API void Histogram(const TVec& Data, int NumBins, TVec& Results, TVec& Bins, bool CenterBins, double Hi,

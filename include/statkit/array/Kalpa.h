@@ -50,9 +50,9 @@ public:
   ~TKalpa() override;
 
   /// \brief Number of elements (complex elements count once).
-  int Length() const { return length_; }
+  [[nodiscard]] int Length() const { return length_; }
   /// \brief True when the storage holds complex numbers.
-  bool Complex() const { return complex_; }
+  [[nodiscard]] bool Complex() const { return complex_; }
   /// \brief Sets the complex flag; the storage is reinterpreted: n real
   /// values become n/2 complex ones (n must be even) and back.
   void set_Complex(bool Value);
@@ -71,7 +71,7 @@ public:
   /// \brief Ends a SetSubIndex view: Self is whole again.
   void SetFullRange();
   /// \brief True while Self is a view (SetSubRange or SetSubIndex).
-  bool IsView() const { return subRange_ || narrowed_; }
+  [[nodiscard]] bool IsView() const { return subRange_ || narrowed_; }
 
   /// \brief Turns real storage into complex storage with zero imaginary parts (nothing when
   /// already complex; raises "Size mismatch" on a view).
@@ -94,9 +94,9 @@ public:
 
   /// \brief Raw storage: Length() doubles, or 2 Length() for complex data (real and
   /// imaginary parts interleaved).
-  double* data() { return base_; }
+  [[nodiscard]] double* data() { return base_; }
   /// \copydoc data()
-  const double* data() const { return base_; }
+  [[nodiscard]] const double* data() const { return base_; }
 
 protected:
   TKalpa() = default;
@@ -224,31 +224,31 @@ public:
   void Reverse(const TDenseKalpa& Src, int SrcIndex, int Index, int Len);
 
   // --- reductions ------------------------------------------------------------
-  double Sum() const;
+  [[nodiscard]] double Sum() const;
   void Sum(TCplx& Result) const;
   /// \brief Arithmetic mean; raises "Empty vector" when there is nothing to average.
-  double Mean() const;
-  double Mean(int Index, int Len) const;
-  TCplx Meanc() const;
-  double Max() const;
-  double Min() const;
+  [[nodiscard]] double Mean() const;
+  [[nodiscard]] double Mean(int Index, int Len) const;
+  [[nodiscard]] TCplx Meanc() const;
+  [[nodiscard]] double Max() const;
+  [[nodiscard]] double Min() const;
   /// \brief Complex element of largest / smallest magnitude (the first on ties).
-  TCplx Maxc() const;
-  TCplx Minc() const;
+  [[nodiscard]] TCplx Maxc() const;
+  [[nodiscard]] TCplx Minc() const;
   /// \brief Standard deviation about the elements' own mean, divisor Length - 1.
-  double StdDev() const;
+  [[nodiscard]] double StdDev() const;
   /// \brief Standard deviation about the given mean, divisor Length - 1.
-  double StdDev(double Mean) const;
-  double StdDev(TCplx Mean) const;
-  double RMS() const;
+  [[nodiscard]] double StdDev(double Mean) const;
+  [[nodiscard]] double StdDev(TCplx Mean) const;
+  [[nodiscard]] double RMS() const;
   /// \brief Square root of the sum of squared magnitudes.
-  double NormL2() const;
-  double SumOfSquares() const;
+  [[nodiscard]] double NormL2() const;
+  [[nodiscard]] double SumOfSquares() const;
   void Product(double& Result) const;
-  double DotProd(const TDenseKalpa& Vec) const;
-  double DotProd(const TDenseKalpa& Vec, int VecIndex, int Index, int Len) const;
+  [[nodiscard]] double DotProd(const TDenseKalpa& Vec) const;
+  [[nodiscard]] double DotProd(const TDenseKalpa& Vec, int VecIndex, int Index, int Len) const;
   /// \brief Complex dot product, conjugating Self's elements when \p Conjugate.
-  TCplx DotProdc(const TDenseKalpa& Vec, bool Conjugate) const;
+  [[nodiscard]] TCplx DotProdc(const TDenseKalpa& Vec, bool Conjugate) const;
 
 protected:
   TDenseKalpa() = default;
@@ -264,11 +264,11 @@ private:
 };
 
 /// \brief Mean of the elements, as a free function.
-STATKIT_API double Mean(const TDenseKalpa& X);
+[[nodiscard]] STATKIT_API double Mean(const TDenseKalpa& X);
 /// \brief Smallest element, as a free function.
-STATKIT_API double Min(const TDenseKalpa& X);
+[[nodiscard]] STATKIT_API double Min(const TDenseKalpa& X);
 /// \brief Largest element, as a free function.
-STATKIT_API double Max(const TDenseKalpa& X);
+[[nodiscard]] STATKIT_API double Max(const TDenseKalpa& X);
 
 /// \brief A vector of real or complex elements.
 ///
@@ -298,7 +298,7 @@ public:
   ~TVec() override;
 
   /// \brief A new empty vector owned by the caller.
-  static TVec Create() { return TVec(); }
+  [[nodiscard]] static TVec Create() { return TVec(); }
 
   /// \brief Resizes; values are kept up to the shorter length.
   void SetLength(int Len);
@@ -324,16 +324,16 @@ public:
   double& Values(int i) { return RealAt(i); }
   double Values(int i) const { return RealAt(i); }
   /// \brief Element \p i as an int (the integer view that SortAscend fills).
-  int IValue(int i) const;
+  [[nodiscard]] int IValue(int i) const;
 
   /// \brief The first element of a real vector; raises "Complex data not supported" for complex data.
-  double* begin();
+  [[nodiscard]] double* begin();
   /// \brief One past the last element of a real vector; raises "Complex data not supported" for complex data.
-  double* end();
+  [[nodiscard]] double* end();
   /// \copydoc begin()
-  const double* begin() const;
+  [[nodiscard]] const double* begin() const;
   /// \copydoc end()
-  const double* end() const;
+  [[nodiscard]] const double* end() const;
 
   /// \brief Sets length and values from a list (pairs re, im when \p Complex).
   void SetIt(bool Complex, std::span<const double> Values);
@@ -394,10 +394,10 @@ public:
   ~TMtx() override;
 
   /// \brief A new empty matrix owned by the caller.
-  static TMtx Create() { return TMtx(); }
+  [[nodiscard]] static TMtx Create() { return TMtx(); }
 
-  int Rows() const { return rows_; }
-  int Cols() const { return cols_; }
+  [[nodiscard]] int Rows() const { return rows_; }
+  [[nodiscard]] int Cols() const { return cols_; }
 
   /// \brief Sets the shape and the complex flag; element values are unspecified until written.
   /// \param Rows the number of rows (>= 0).
@@ -495,9 +495,9 @@ public:
   void SetTriangleForm(TTriangleForm Form) { triangleForm_ = Form; }
   void SetTriangleUnit(bool Unit) { triangleUnit_ = Unit; }
   void SetRefineSolution(bool Refine) { refineSolution_ = Refine; }
-  TTriangleForm TriangleForm() const { return triangleForm_; }
-  bool TriangleUnit() const { return triangleUnit_; }
-  bool RefineSolution() const { return refineSolution_; }
+  [[nodiscard]] TTriangleForm TriangleForm() const { return triangleForm_; }
+  [[nodiscard]] bool TriangleUnit() const { return triangleUnit_; }
+  [[nodiscard]] bool RefineSolution() const { return refineSolution_; }
   /// \brief Toeplitz matrix of Vec1.Length rows and Vec2.Length + 1 columns: Vec1 fills the
   /// first column (main diagonal and below), Vec2 the first row from the first off-diagonal on.
   void Toeplitz(const TVec& Vec1, const TVec& Vec2);

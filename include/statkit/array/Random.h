@@ -27,7 +27,7 @@ STATKIT_API void Randomize();
 
 /// \brief The seed of a new generator from one uniform \p U in [0, 1):
 /// U * 4294967295 rounded half to even to an unsigned 32-bit value, reinterpreted as signed.
-STATKIT_API int SeedFromUniform(double U);
+[[nodiscard]] STATKIT_API int SeedFromUniform(double U);
 /// \brief A seed for a new generator: SeedFromUniform of one draw of the process-wide generator.
 STATKIT_API int NextSeed();
 
@@ -107,7 +107,7 @@ public:
   void RandomBits(std::span<std::uint32_t> Dst);
 
   /// \brief The Philox key of this stream.
-  std::array<std::uint32_t, 2> Key() const { return {key_[0], key_[1]}; }
+  [[nodiscard]] std::array<std::uint32_t, 2> Key() const { return {key_[0], key_[1]}; }
 
 private:
   friend class TRandomGenerator;
@@ -129,14 +129,14 @@ public:
   TRandomGenerator& operator=(const TRandomGenerator&) = delete;
 
   /// \brief A new generator owned by the caller.
-  static std::unique_ptr<TRandomGenerator> Create() { return std::make_unique<TRandomGenerator>(); }
+  [[nodiscard]] static std::unique_ptr<TRandomGenerator> Create() { return std::make_unique<TRandomGenerator>(); }
 
   /// \brief How the streams are kept apart (siDistinctKeys by default).
   void SetStreamIndependence(TRngStreamIndependence Independence);
   /// \brief The number of streams (at least 1).
   void SetStreamCount(int Count);
   /// \brief The number of streams.
-  int StreamCount() const { return count_; }
+  [[nodiscard]] int StreamCount() const { return count_; }
   /// \brief Seeds every stream; only rgPhilox4x32 is supported.
   void Init(TBasicRandomGenerator Generator, int Seed);
   /// \brief Stream \p Index (zero-based), owned by the generator.
