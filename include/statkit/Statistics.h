@@ -63,15 +63,15 @@ STATKIT_API void TiedRanks(const TVec& Data, TVec& Ranks, double& TieSum);
 // --- location, spread and moments -------------------------------------------
 
 /// \brief Geometric mean.
-STATKIT_API double MeanG(const TVec& Data);
+[[nodiscard]] STATKIT_API double MeanG(const TVec& Data);
 /// \brief Harmonic mean.
-STATKIT_API double MeanH(const TVec& Data);
+[[nodiscard]] STATKIT_API double MeanH(const TVec& Data);
 /// \brief Mean of the elements between the Percent/2 and 1 - Percent/2 percentiles (Percent a fraction).
-STATKIT_API double MeanT(const TVec& Data, double Percent);
+[[nodiscard]] STATKIT_API double MeanT(const TVec& Data, double Percent);
 /// \brief (1/n) sum (x - Mean)^Order; 0 when Order <= 1.
-STATKIT_API double Moment(const TVec& X, double Mean, int Order);
+[[nodiscard]] STATKIT_API double Moment(const TVec& X, double Mean, int Order);
 /// \brief Max - Min.
-STATKIT_API double Range(const TVec& X);
+[[nodiscard]] STATKIT_API double Range(const TVec& X);
 /// \brief Range of every row / column.
 STATKIT_API void RangeRows(const TMtx& Data, TVec& Dst);
 STATKIT_API void RangeCols(const TMtx& Data, TVec& Dst);
@@ -86,9 +86,9 @@ STATKIT_API void ZScore(const TMtx& Data, TMtx& Dst);
 /// \brief The p-quantile of \p X by the rule \p Method.
 /// NaNs sort last and count in n: they take the top positions x(n - k + 1) .. x(n), so a quantile that
 /// reaches one of them is NaN and the others are read from the numbers below them.
-STATKIT_API double Percentile(const TVec& X, double p, TPercentileMethod Method);
+[[nodiscard]] STATKIT_API double Percentile(const TVec& X, double p, TPercentileMethod Method);
 /// \brief Upper minus lower quartile; 0 when the percentiles cannot be computed.
-STATKIT_API double InterQuartile(const TVec& X, TPercentileMethod Method);
+[[nodiscard]] STATKIT_API double InterQuartile(const TVec& X, TPercentileMethod Method);
 /// \brief Counts \p Data into \p NumBins equal bins between \p Lo and \p Hi; \p Bins receives
 /// the centres (CenterBins) or the NumBins + 1 edges.
 STATKIT_API void Histogram(const TVec& Data, int NumBins, TVec& Results, TVec& Bins, bool CenterBins, double Hi,
@@ -184,35 +184,71 @@ STATKIT_API void SpearmanRankCorr(const TVec& X, const TVec& Y, double& Rs, THyp
 
 // --- normality tests --------------------------------------------------------
 
-/// \brief Shapiro-Wilk test (Royston's approximation) of sorted data, 3 to 5000 values.
+/// \brief Shapiro-Wilk test (Royston's approximation), 3 to 5000 values.
+///
+/// \p Data must be sorted ascending by the caller (for example with TVec::SortAscend on a
+/// copy): the test pairs its coefficients with the elements in the order given, so unsorted
+/// data give a meaningless statistic and no error.
 STATKIT_API void ShapiroWilks(const TVec& Data, THypothesisResult& hRes, double& Signif, THypothesisType hType,
                               double Alpha);
-/// \brief Shapiro-Francia test (Royston's approximation) of sorted data.
+/// \brief Shapiro-Francia test (Royston's approximation).
+///
+/// \p Data must be sorted ascending by the caller, as for ShapiroWilks.
 STATKIT_API void ShapiroFrancia(const TVec& Data, THypothesisResult& hRes, double& Signif, THypothesisType hType,
                                 double Alpha);
 
 // --- distribution moments ---------------------------------------------------
-// Mean and variance of a distribution; NaN for both at invalid parameters, NaN
-// for a moment that does not exist.
+// Mean and variance of a distribution; NaN for both at invalid parameters (a NaN
+// parameter is invalid), NaN for a moment that does not exist. These functions fix
+// each law's parameterisation: the random variates below, the probability functions
+// and the goodness-of-fit tests take their parameters in the same sense.
 
+/// \brief Beta with shapes \p a, \p b > 0 (density proportional to x^(a-1) (1-x)^(b-1) on (0, 1)):
+/// mean a/(a+b), variance a b/((a+b)^2 (a+b+1)).
 STATKIT_API void MVBeta(double a, double b, double& Mean, double& Variance);
+/// \brief Binomial: successes in \p n >= 0 trials of success probability \p p in [0, 1]: n p, n p (1-p).
 STATKIT_API void MVBinom(int n, double p, double& Mean, double& Variance);
+/// \brief Cauchy with location \p m and scale \p b: neither moment exists, both are always NaN.
 STATKIT_API void MVCauchy(double m, double b, double& Mean, double& Variance);
+/// \brief Chi-square with \p nu > 0 degrees of freedom (gamma with shape nu/2 and scale 2): nu, 2 nu.
 STATKIT_API void MVChiSquare(int nu, double& Mean, double& Variance);
+/// \brief Exponential with mean \p mu > 0 (the scale, not the rate): mu, mu^2.
 STATKIT_API void MVExponent(double mu, double& Mean, double& Variance);
+/// \brief F with \p nu1 numerator and \p nu2 denominator degrees of freedom (both > 0): mean
+/// nu2/(nu2-2) for nu2 > 2, variance 2 Mean^2 (nu1+nu2-2)/(nu1 (nu2-4)) for nu2 > 4.
 STATKIT_API void MVF(int nu1, int nu2, double& Mean, double& Variance);
+/// \brief Gamma with shape \p a > 0 and scale \p b > 0 (density proportional to x^(a-1) e^(-x/b)): a b, a b^2.
 STATKIT_API void MVGamma(double a, double b, double& Mean, double& Variance);
+/// \brief Geometric: failures before the first success of probability \p p in (0, 1]: (1-p)/p, (1-p)/p^2.
 STATKIT_API void MVGeometric(double p, double& Mean, double& Variance);
+/// \brief Hypergeometric: marked items in a sample of \p N drawn without replacement from \p M items
+/// of which \p K are marked (0 <= K <= M, 0 <= N <= M): N K/M, N K (M-K) (M-N)/(M^2 (M-1));
+/// M = 0 gives 0, 0 and M = 1 gives N K, 0.
 STATKIT_API void MVHypGeometric(int M, int K, int N, double& Mean, double& Variance);
+/// \brief Maxwell with \p a > 0 the reciprocal of the squared scale (density proportional to
+/// x^2 e^(-a x^2/2)): 2 sqrt(2/(pi a)), (3 - 8/pi)/a.
 STATKIT_API void MVMaxwell(double a, double& Mean, double& Variance);
+/// \brief Negative binomial: failures before the \p r-th success (r >= 1) of probability \p p in (0, 1]:
+/// r (1-p)/p, r (1-p)/p^2.
 STATKIT_API void MVNegBinom(int r, double p, double& Mean, double& Variance);
+/// \brief Normal with mean \p mu and standard deviation \p sigma > 0 (not the variance): mu, sigma^2.
 STATKIT_API void MVNormal(double mu, double sigma, double& Mean, double& Variance);
+/// \brief Pareto with shape \p a > 0 and scale \p b > 0 (the smallest value): mean a b/(a-1) for a > 1,
+/// variance a b^2/((a-1)^2 (a-2)) for a > 2.
 STATKIT_API void MVPareto(double a, double b, double& Mean, double& Variance);
+/// \brief Poisson with mean \p lambda > 0: lambda, lambda.
 STATKIT_API void MVPoisson(double lambda, double& Mean, double& Variance);
+/// \brief Rayleigh with scale \p b > 0 (density (x/b^2) exp(-x^2/(2 b^2)) for x >= 0):
+/// b sqrt(pi/2), b^2 (2 - pi/2).
 STATKIT_API void MVRayleigh(double b, double& Mean, double& Variance);
+/// \brief Student's t with \p v > 0 degrees of freedom: mean 0 for v >= 2, variance v/(v-2) for v >= 3.
 STATKIT_API void MVStudent(int v, double& Mean, double& Variance);
+/// \brief Uniform on [\p a, \p b], a < b: (a+b)/2, (b-a)^2/12.
 STATKIT_API void MVUniform(double a, double b, double& Mean, double& Variance);
+/// \brief Discrete uniform on 1, 2, ..., \p N (N >= 1): (N+1)/2, (N^2-1)/12.
 STATKIT_API void MVUniformD(int N, double& Mean, double& Variance);
+/// \brief Weibull with rate-like scale \p a > 0 and shape \p b > 0, F(x) = 1 - exp(-a x^b) for x >= 0
+/// (scale a^(-1/b) in the usual form): a^(-1/b) Gamma(1+1/b), a^(-2/b) Gamma(1+2/b) - Mean^2.
 STATKIT_API void MVWeibull(double a, double b, double& Mean, double& Variance);
 
 // --- random variates ----------------------------------------------------------
@@ -254,7 +290,7 @@ STATKIT_API void RandomNegBinom(int r, double p, TDenseKalpa& Results);
 STATKIT_API void RandomNormal(double mu, double sigma, TDenseKalpa& Results);
 /// \brief Poisson with mean lambda.
 STATKIT_API void RandomPoisson(double lambda, TDenseKalpa& Results);
-/// \brief Rayleigh with scale b.
+/// \brief Rayleigh with scale b: density (x/b^2) exp(-x^2/(2 b^2)) for x >= 0, mean b sqrt(pi/2).
 STATKIT_API void RandomRayleigh(double b, TDenseKalpa& Results);
 /// \brief Student's t with v degrees of freedom.
 STATKIT_API void RandomStudent(int v, TDenseKalpa& Results);
@@ -264,7 +300,8 @@ STATKIT_API void RandomTriangular(double a, double b, double c, TDenseKalpa& Res
 STATKIT_API void RandomUniform(double a, double b, TDenseKalpa& Results);
 /// \brief Discrete uniform on 1..N (zeros for N = 0).
 STATKIT_API void RandomUniformD(int N, TDenseKalpa& Results);
-/// \brief Weibull with F(x) = 1 - exp(-a x^b).
+/// \brief Weibull with F(x) = 1 - exp(-a x^b) for x >= 0: \p a the rate-like scale, \p b the shape
+/// (scale a^(-1/b) in the usual form).
 STATKIT_API void RandomWeibull(double a, double b, TDenseKalpa& Results);
 
 // --- full factorial design --------------------------------------------------

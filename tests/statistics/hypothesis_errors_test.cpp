@@ -107,8 +107,11 @@ TEST(HypothesisTestErrors, UndecidableCallsGiveNaNWithoutRaising) {
     c.call(h, p, ci);
     EXPECT_EQ(h, hrNan);
     EXPECT_TRUE(std::isnan(p));
-    if (c.interval == kNaN) EXPECT_TRUE(std::isnan(ci[0]) && std::isnan(ci[1]));
-    if (c.interval == kUntouched) EXPECT_TRUE(ci[0] == 7.0 && ci[1] == 7.0);
+    if (c.interval == kNaN) {
+      EXPECT_TRUE(std::isnan(ci[0]) && std::isnan(ci[1]));
+    } else if (c.interval == kUntouched) {
+      EXPECT_TRUE(ci[0] == 7.0 && ci[1] == 7.0);
+    }
   }
 }
 

@@ -50,9 +50,9 @@ public:
   ~TKalpa() override;
 
   /// \brief Number of elements (complex elements count once).
-  int Length() const { return length_; }
+  [[nodiscard]] int Length() const { return length_; }
   /// \brief True when the storage holds complex numbers.
-  bool Complex() const { return complex_; }
+  [[nodiscard]] bool Complex() const { return complex_; }
   /// \brief Sets the complex flag; the storage is reinterpreted: n real
   /// values become n/2 complex ones (n must be even) and back.
   void set_Complex(bool Value);
@@ -71,13 +71,16 @@ public:
   /// \brief Ends a SetSubIndex view: Self is whole again.
   void SetFullRange();
   /// \brief True while Self is a view (SetSubRange or SetSubIndex).
-  bool IsView() const { return subRange_ || narrowed_; }
+  [[nodiscard]] bool IsView() const { return subRange_ || narrowed_; }
 
-  /// \brief Turns real storage into complex storage with zero imaginary parts.
-  void ExtendToComplex(bool = false);
+  /// \brief Turns real storage into complex storage with zero imaginary parts (nothing when
+  /// already complex; raises "Size mismatch" on a view).
+  /// \param Unused has no effect; accepted for callers that pass it.
+  void ExtendToComplex(bool Unused = false);
 
   /// \brief Sets every element to \p Value.
   void SetVal(double Value);
+  /// \brief Sets every element of complex storage to \p Value (real storage raises "Complex data not supported").
   void SetVal(TCplx Value);
   /// \brief Sets elements \p Index .. \p Index + \p Len - 1 to \p Value.
   void SetVal(double Value, int Index, int Len);
@@ -89,9 +92,11 @@ public:
   /// \p Sigma from a new generator seeded by one draw of the process-wide generator.
   void RandGauss(double Mu = 0.0, double Sigma = 1.0);
 
-  /// \brief Raw storage: Length() doubles, or 2 Length() for complex data.
-  double* data() { return base_; }
-  const double* data() const { return base_; }
+  /// \brief Raw storage: Length() doubles, or 2 Length() for complex data (real and
+  /// imaginary parts interleaved).
+  [[nodiscard]] double* data() { return base_; }
+  /// \copydoc data()
+  [[nodiscard]] const double* data() const { return base_; }
 
 protected:
   TKalpa() = default;
@@ -223,14 +228,14 @@ public:
   void Reverse(const TDenseKalpa& Src, int SrcIndex, int Index, int Len);
 
   // --- reductions ------------------------------------------------------------
-  double Sum() const;
+  [[nodiscard]] double Sum() const;
   void Sum(TCplx& Result) const;
   /// \brief Arithmetic mean; raises "Empty vector" when there is nothing to average.
-  double Mean() const;
-  double Mean(int Index, int Len) const;
-  TCplx Meanc() const;
-  double Max() const;
-  double Min() const;
+  [[nodiscard]] double Mean() const;
+  [[nodiscard]] double Mean(int Index, int Len) const;
+  [[nodiscard]] TCplx Meanc() const;
+  [[nodiscard]] double Max() const;
+  [[nodiscard]] double Min() const;
   /// \brief The smallest and the largest element in one read; both NaN when a NaN is present.
   void MinMax(double& Lo, double& Hi) const;
   /// \brief Dst[i] = the (First + i)-th smallest element (from 0; NaNs rank after +INF, as
@@ -238,22 +243,22 @@ public:
   /// "Index out of range" unless First >= 0 and First + Dst.size() <= Length.
   void SelectRanks(int First, std::span<double> Dst) const;
   /// \brief Complex element of largest / smallest magnitude (the first on ties).
-  TCplx Maxc() const;
-  TCplx Minc() const;
+  [[nodiscard]] TCplx Maxc() const;
+  [[nodiscard]] TCplx Minc() const;
   /// \brief Standard deviation about the elements' own mean, divisor Length - 1.
-  double StdDev() const;
+  [[nodiscard]] double StdDev() const;
   /// \brief Standard deviation about the given mean, divisor Length - 1.
-  double StdDev(double Mean) const;
-  double StdDev(TCplx Mean) const;
-  double RMS() const;
+  [[nodiscard]] double StdDev(double Mean) const;
+  [[nodiscard]] double StdDev(TCplx Mean) const;
+  [[nodiscard]] double RMS() const;
   /// \brief Square root of the sum of squared magnitudes.
-  double NormL2() const;
-  double SumOfSquares() const;
+  [[nodiscard]] double NormL2() const;
+  [[nodiscard]] double SumOfSquares() const;
   void Product(double& Result) const;
-  double DotProd(const TDenseKalpa& Vec) const;
-  double DotProd(const TDenseKalpa& Vec, int VecIndex, int Index, int Len) const;
+  [[nodiscard]] double DotProd(const TDenseKalpa& Vec) const;
+  [[nodiscard]] double DotProd(const TDenseKalpa& Vec, int VecIndex, int Index, int Len) const;
   /// \brief Complex dot product, conjugating Self's elements when \p Conjugate.
-  TCplx DotProdc(const TDenseKalpa& Vec, bool Conjugate) const;
+  [[nodiscard]] TCplx DotProdc(const TDenseKalpa& Vec, bool Conjugate) const;
 
 protected:
   TDenseKalpa() = default;
@@ -269,17 +274,32 @@ private:
 };
 
 /// \brief Mean of the elements, as a free function.
-STATKIT_API double Mean(const TDenseKalpa& X);
+[[nodiscard]] STATKIT_API double Mean(const TDenseKalpa& X);
 /// \brief Smallest element, as a free function.
-STATKIT_API double Min(const TDenseKalpa& X);
+[[nodiscard]] STATKIT_API double Min(const TDenseKalpa& X);
 /// \brief Largest element, as a free function.
-STATKIT_API double Max(const TDenseKalpa& X);
+[[nodiscard]] STATKIT_API double Max(const TDenseKalpa& X);
 
 /// \brief A vector of real or complex elements.
+///
+/// Construction: `TVec v;` is empty; `TVec v{1.0, 2.0}` and `TVec{3}` hold the listed
+/// values (braces always pick the list: `TVec{3}` is the one element 3); `TVec(3)` has
+/// three zeros (parentheses pick the length). With an int variable n, `TVec{n}` is still the
+/// one element n, through a narrowing conversion that g++ warns about and clang++ refuses:
+/// write `TVec(n)` for a length.
+///
+/// Iteration: `for (double x : v)` visits the elements of a real vector. begin() and end()
+/// of a complex vector raise "Complex data not supported"; read its elements with
+/// CValues(i), i = 0 .. Length() - 1, or its 2 Length() doubles (real and imaginary parts
+/// interleaved) through data().
 class STATKIT_API TVec : public TDenseKalpa {
 public:
   TVec() = default;
+  /// \brief The listed values, in order (real).
   TVec(std::initializer_list<double> values);
+  /// \brief \p Length zeros (complex zeros when \p Complex); a negative length raises "Size mismatch".
+  explicit TVec(int Length, bool Complex = false);
+  /// \brief The values of \p values, in order (real).
   explicit TVec(const std::vector<double>& values);
   TVec(const TVec& other);
   TVec(TVec&& other) noexcept;
@@ -288,17 +308,25 @@ public:
   ~TVec() override;
 
   /// \brief A new empty vector owned by the caller.
-  static TVec Create() { return TVec(); }
+  [[nodiscard]] static TVec Create() { return TVec(); }
 
   /// \brief Resizes; values are kept up to the shorter length.
   void SetLength(int Len);
-  /// \brief Sets the length and the complex flag; element values are undefined until written.
-  void Size(int Len, bool Complex = false, bool = false);
+  /// \brief Sets the length and the complex flag; element values are unspecified until written.
+  /// \param Len the new length (>= 0).
+  /// \param Complex true for complex elements.
+  /// \param Unused has no effect; accepted for callers that pass it.
+  void Size(int Len, bool Complex = false, bool Unused = false);
   using TKalpa::Size;
-  /// \brief Changes the length keeping the existing elements (new ones are 0).
-  void Resize(int Len, bool = false);
-  /// \brief Resizes to \p Len taking the elements of \p Src (zero-filled beyond it).
-  void Resize(const TKalpa& Src, int Len, bool = false);
+  /// \brief Changes the length keeping the existing elements (new ones are 0) and the complex flag.
+  /// \param Len the new length (>= 0).
+  /// \param Unused has no effect; accepted for callers that pass it.
+  void Resize(int Len, bool Unused = false);
+  /// \brief Resizes to \p Len taking the elements and the complex flag of \p Src (zero-filled beyond it).
+  /// \param Src the source of the elements.
+  /// \param Len the new length (>= 0).
+  /// \param Unused has no effect; accepted for callers that pass it.
+  void Resize(const TKalpa& Src, int Len, bool Unused = false);
 
   /// \brief Real element \p i (bounds-checked).
   double& operator[](int i) { return RealAt(i); }
@@ -306,12 +334,16 @@ public:
   double& Values(int i) { return RealAt(i); }
   double Values(int i) const { return RealAt(i); }
   /// \brief Element \p i as an int (the integer view that SortAscend fills).
-  int IValue(int i) const;
+  [[nodiscard]] int IValue(int i) const;
 
-  double* begin();
-  double* end();
-  const double* begin() const;
-  const double* end() const;
+  /// \brief The first element of a real vector; raises "Complex data not supported" for complex data.
+  [[nodiscard]] double* begin();
+  /// \brief One past the last element of a real vector; raises "Complex data not supported" for complex data.
+  [[nodiscard]] double* end();
+  /// \copydoc begin()
+  [[nodiscard]] const double* begin() const;
+  /// \copydoc end()
+  [[nodiscard]] const double* end() const;
 
   /// \brief Sets length and values from a list (pairs re, im when \p Complex).
   void SetIt(bool Complex, std::span<const double> Values);
@@ -361,7 +393,9 @@ protected:
 class STATKIT_API TMtx : public TDenseKalpa {
 public:
   TMtx() = default;
+  /// \brief A \p Rows x \p Cols matrix (complex when \p Complex); element values are unspecified until written.
   TMtx(int Rows, int Cols, bool Complex = false);
+  /// \brief The listed rows, each of the same length (else "Size mismatch").
   TMtx(std::initializer_list<std::initializer_list<double>> rows);
   TMtx(const TMtx& other);
   TMtx(TMtx&& other) noexcept;
@@ -369,13 +403,18 @@ public:
   TMtx& operator=(TMtx&& other) noexcept;
   ~TMtx() override;
 
-  static TMtx Create() { return TMtx(); }
+  /// \brief A new empty matrix owned by the caller.
+  [[nodiscard]] static TMtx Create() { return TMtx(); }
 
-  int Rows() const { return rows_; }
-  int Cols() const { return cols_; }
+  [[nodiscard]] int Rows() const { return rows_; }
+  [[nodiscard]] int Cols() const { return cols_; }
 
-  /// \brief Sets the shape and the complex flag; element values are undefined until written.
-  void Size(int Rows, int Cols, bool Complex = false, bool = false);
+  /// \brief Sets the shape and the complex flag; element values are unspecified until written.
+  /// \param Rows the number of rows (>= 0).
+  /// \param Cols the number of columns (>= 0).
+  /// \param Complex true for complex elements.
+  /// \param Unused has no effect; accepted for callers that pass it.
+  void Size(int Rows, int Cols, bool Complex = false, bool Unused = false);
   using TKalpa::Size;
   /// \brief Changes the shape keeping element (r, c) where it exists in both; new elements are 0.
   void Resize(int Rows, int Cols);
@@ -392,8 +431,9 @@ public:
   using TDenseKalpa::CValues;
 
   /// \brief Copies the RowCount x ColCount block of \p Src at (SrcRow, SrcCol) into Self at (Row, Col).
+  /// The trailing \p Unused has no effect; it is accepted for callers that pass it.
   void Copy(const TMtx& Src, int SrcRow, int SrcCol, int Row, int Col, int RowCount, int ColCount,
-            bool = false);
+            bool Unused = false);
   using TKalpa::Copy;
   void SetRow(const TDenseKalpa& Vec, int Index);
   void SetCol(const TDenseKalpa& Vec, int Index);
@@ -446,10 +486,17 @@ public:
   /// tfUpper, so R.Inv(mtTriangular) inverts it). Rank deficiency raises "Singular matrix".
   void LQRSolve(const TVec& B, TVec& X, TMtx* R = nullptr, TMtxOperation Op = opNone) const;
   /// \brief QR factorisation Self = Q R (Q with orthonormal columns, thin form; R's TriangleForm becomes tfUpper).
-  void LQR(TMtx& Q, TMtx& R, bool = false) const;
-  /// \brief Singular value decomposition Self = U diag(S) V', S descending; thin U and V
-  /// (min(Rows, Cols) columns) when the flag is true, square otherwise.
-  void SVD(TMtx& U, TVec& S, TMtx& V, bool = true) const;
+  /// The trailing \p Unused has no effect (the thin form is always computed); it is accepted for
+  /// callers that pass it.
+  void LQR(TMtx& Q, TMtx& R, bool Unused = false) const;
+  /// \brief Singular value decomposition Self = U diag(S) V', S descending.
+  /// \param U the left singular vectors, by columns.
+  /// \param S the min(Rows, Cols) singular values, descending.
+  /// \param V the right singular vectors, by columns.
+  /// \param Thin true: thin U and V (min(Rows, Cols) columns); false: square U (Rows x Rows)
+  /// and V (Cols x Cols).
+  void SVD(TMtx& U, TVec& S, TMtx& V, bool Thin = true) const;
+  /// \brief The singular values alone, descending.
   void SVD(TVec& S) const;
   /// \brief Cholesky factor in place: Self = L L' with L lower triangular (the upper part zeroed,
   /// TriangleForm tfLower); reads the lower triangle.
@@ -458,9 +505,9 @@ public:
   void SetTriangleForm(TTriangleForm Form) { triangleForm_ = Form; }
   void SetTriangleUnit(bool Unit) { triangleUnit_ = Unit; }
   void SetRefineSolution(bool Refine) { refineSolution_ = Refine; }
-  TTriangleForm TriangleForm() const { return triangleForm_; }
-  bool TriangleUnit() const { return triangleUnit_; }
-  bool RefineSolution() const { return refineSolution_; }
+  [[nodiscard]] TTriangleForm TriangleForm() const { return triangleForm_; }
+  [[nodiscard]] bool TriangleUnit() const { return triangleUnit_; }
+  [[nodiscard]] bool RefineSolution() const { return refineSolution_; }
   /// \brief Toeplitz matrix of Vec1.Length rows and Vec2.Length + 1 columns: Vec1 fills the
   /// first column (main diagonal and below), Vec2 the first row from the first off-diagonal on.
   void Toeplitz(const TVec& Vec1, const TVec& Vec2);

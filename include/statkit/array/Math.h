@@ -21,48 +21,48 @@ inline constexpr double INVTWOPI = 0.15915494309189533577;  ///< 1 / (2 pi)
 inline constexpr double LN2 = 0.69314718055994530942;
 
 /// \brief True when \p x is a NaN.
-inline bool IsNan(double x) { return std::isnan(x); }
+[[nodiscard]] inline bool IsNan(double x) { return std::isnan(x); }
 /// \brief True when \p x is +INF or -INF.
-inline bool IsInf(double x) { return std::isinf(x); }
+[[nodiscard]] inline bool IsInf(double x) { return std::isinf(x); }
 
 /// \brief a == b, or |a - b| <= 4 eps max(|a|, |b|); NaN equals nothing.
-STATKIT_API bool Equal(double a, double b);
+[[nodiscard]] STATKIT_API bool Equal(double a, double b);
 
 /// \brief Largest whole number <= x, as int; raises "Integer overflow" outside the int range or for NaN.
-STATKIT_API int Floor(double x);
+[[nodiscard]] STATKIT_API int Floor(double x);
 /// \brief Smallest whole number >= x, as int; raises "Integer overflow" outside the int range or for NaN.
-STATKIT_API int Ceil(double x);
+[[nodiscard]] STATKIT_API int Ceil(double x);
 /// \brief Integer part of x (toward zero) as result, the fractional part in \p Frac.
 STATKIT_API int TruncAndFrac(double x, double& Frac);
 /// \brief x rounded to the nearest int, halves to even.
-STATKIT_API int aRound(double x);
+[[nodiscard]] STATKIT_API int aRound(double x);
 
-inline double Max(double a, double b) { return a > b ? a : b; }
-inline double Min(double a, double b) { return a < b ? a : b; }
-inline int Max(int a, int b) { return a > b ? a : b; }
-inline int Min(int a, int b) { return a < b ? a : b; }
+[[nodiscard]] inline double Max(double a, double b) { return a > b ? a : b; }
+[[nodiscard]] inline double Min(double a, double b) { return a < b ? a : b; }
+[[nodiscard]] inline int Max(int a, int b) { return a > b ? a : b; }
+[[nodiscard]] inline int Min(int a, int b) { return a < b ? a : b; }
 
 /// \brief -1, 0 or 1 by the sign of \p x (0 for NaN).
-inline double Sgn(double x) { return x > 0 ? 1.0 : (x < 0 ? -1.0 : 0.0); }
+[[nodiscard]] inline double Sgn(double x) { return x > 0 ? 1.0 : (x < 0 ? -1.0 : 0.0); }
 /// \brief The negated number.
-inline TCplx Sign(TCplx z) { return -z; }
-inline TCplx CAdd(TCplx a, TCplx b) { return a + b; }
-inline TCplx CSub(TCplx a, TCplx b) { return a - b; }
-inline TCplx CDiv(TCplx a, TCplx b) { return a / b; }
+[[nodiscard]] inline TCplx Sign(TCplx z) { return -z; }
+[[nodiscard]] inline TCplx CAdd(TCplx a, TCplx b) { return a + b; }
+[[nodiscard]] inline TCplx CSub(TCplx a, TCplx b) { return a - b; }
+[[nodiscard]] inline TCplx CDiv(TCplx a, TCplx b) { return a / b; }
 
-inline double Exp(double x) { return std::exp(x); }
-inline double Exp2(double x) { return std::exp2(x); }
-inline double Ln(double x) { return std::log(x); }
-inline double Log10(double x) { return std::log10(x); }
-inline double Tanh(double x) { return std::tanh(x); }
-inline double Power(double Base, double Exponent) { return std::pow(Base, Exponent); }
+[[nodiscard]] inline double Exp(double x) { return std::exp(x); }
+[[nodiscard]] inline double Exp2(double x) { return std::exp2(x); }
+[[nodiscard]] inline double Ln(double x) { return std::log(x); }
+[[nodiscard]] inline double Log10(double x) { return std::log10(x); }
+[[nodiscard]] inline double Tanh(double x) { return std::tanh(x); }
+[[nodiscard]] inline double Power(double Base, double Exponent) { return std::pow(Base, Exponent); }
 /// \brief The gamma function.
-STATKIT_API double Gamma(double x);
+[[nodiscard]] STATKIT_API double Gamma(double x);
 /// \brief Base raised to an integer power (exact repeated squaring; negative powers invert).
-STATKIT_API double IntPower(double Base, int Exponent);
+[[nodiscard]] STATKIT_API double IntPower(double Base, int Exponent);
 
 /// \brief Switches the rounding mode to truncation; returns the previous mode for RestoreRound.
-STATKIT_API int SetRoundToTrunc();
+[[nodiscard]] STATKIT_API int SetRoundToTrunc();
 /// \brief Restores a rounding mode saved by SetRoundToTrunc.
 STATKIT_API void RestoreRound(int Saved);
 

@@ -43,7 +43,7 @@ void FreeIt(T*&... objs) noexcept {
 }
 
 /// \brief Number of pool objects currently handed out (for tests of pool discipline).
-STATKIT_API int PoolOutstanding();
+[[nodiscard]] STATKIT_API int PoolOutstanding();
 
 /// \brief A pool object held for the lifetime of the handle.
 template <class T>

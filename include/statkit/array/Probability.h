@@ -29,77 +29,82 @@
 
 namespace statkit {
 
-STATKIT_API double NormalCDF(double x, double Mu, double Sigma) noexcept;
-STATKIT_API double NormalCDFc(double x, double Mu, double Sigma) noexcept;
-STATKIT_API double NormalPDF(double x, double Mu, double Sigma) noexcept;
-STATKIT_API double NormalCDFInv(double p, double Mu, double Sigma) noexcept;
+[[nodiscard]] STATKIT_API double NormalCDF(double x, double Mu, double Sigma) noexcept;
+[[nodiscard]] STATKIT_API double NormalCDFc(double x, double Mu, double Sigma) noexcept;
+[[nodiscard]] STATKIT_API double NormalPDF(double x, double Mu, double Sigma) noexcept;
+[[nodiscard]] STATKIT_API double NormalCDFInv(double p, double Mu, double Sigma) noexcept;
 STATKIT_API void NormalCDF(const TDenseKalpa& X, double Mu, double Sigma, TDenseKalpa& Dst);
 STATKIT_API void NormalCDFInv(const TDenseKalpa& X, double Mu, double Sigma, TDenseKalpa& Dst);
 
-STATKIT_API double StudentCDF(double x, int Nu) noexcept;
-STATKIT_API double StudentCDFc(double x, int Nu) noexcept;
-STATKIT_API double StudentPDF(double x, int Nu) noexcept;
-STATKIT_API double StudentCDFInv(double p, int Nu) noexcept;
+[[nodiscard]] STATKIT_API double StudentCDF(double x, int Nu) noexcept;
+[[nodiscard]] STATKIT_API double StudentCDFc(double x, int Nu) noexcept;
+[[nodiscard]] STATKIT_API double StudentPDF(double x, int Nu) noexcept;
+[[nodiscard]] STATKIT_API double StudentCDFInv(double p, int Nu) noexcept;
 
-STATKIT_API double ChiSquareCDF(double x, int Nu) noexcept;
-STATKIT_API double ChiSquareCDFc(double x, int Nu) noexcept;
-STATKIT_API double ChiSquarePDF(double x, int Nu) noexcept;
-STATKIT_API double ChiSquareCDFInv(double p, int Nu) noexcept;
+[[nodiscard]] STATKIT_API double ChiSquareCDF(double x, int Nu) noexcept;
+[[nodiscard]] STATKIT_API double ChiSquareCDFc(double x, int Nu) noexcept;
+[[nodiscard]] STATKIT_API double ChiSquarePDF(double x, int Nu) noexcept;
+[[nodiscard]] STATKIT_API double ChiSquareCDFInv(double p, int Nu) noexcept;
 
-STATKIT_API double FCDF(double x, int Nu1, int Nu2) noexcept;
-STATKIT_API double FCDFc(double x, int Nu1, int Nu2) noexcept;
-STATKIT_API double FPDF(double x, int Nu1, int Nu2) noexcept;
-STATKIT_API double FCDFInv(double p, int Nu1, int Nu2) noexcept;
+[[nodiscard]] STATKIT_API double FCDF(double x, int Nu1, int Nu2) noexcept;
+[[nodiscard]] STATKIT_API double FCDFc(double x, int Nu1, int Nu2) noexcept;
+[[nodiscard]] STATKIT_API double FPDF(double x, int Nu1, int Nu2) noexcept;
+[[nodiscard]] STATKIT_API double FCDFInv(double p, int Nu1, int Nu2) noexcept;
 /// \brief Dst[i] = FCDFInv(p, Nu1[i], Nu2[i]) (the degrees of freedom are whole numbers).
 STATKIT_API void FCDFInv(double p, const TDenseKalpa& Nu1, const TDenseKalpa& Nu2, TDenseKalpa& Dst);
 
-STATKIT_API double GammaCDF(double x, double A, double B) noexcept;
-STATKIT_API double GammaCDFc(double x, double A, double B) noexcept;
-STATKIT_API double GammaPDF(double x, double A, double B) noexcept;
-STATKIT_API double GammaCDFInv(double p, double A, double B) noexcept;
+[[nodiscard]] STATKIT_API double GammaCDF(double x, double A, double B) noexcept;
+[[nodiscard]] STATKIT_API double GammaCDFc(double x, double A, double B) noexcept;
+[[nodiscard]] STATKIT_API double GammaPDF(double x, double A, double B) noexcept;
+[[nodiscard]] STATKIT_API double GammaCDFInv(double p, double A, double B) noexcept;
 STATKIT_API void GammaCDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
 STATKIT_API void GammaPDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
 
-STATKIT_API double BetaCDF(double x, double A, double B) noexcept;
-STATKIT_API double BetaPDF(double x, double A, double B) noexcept;
-STATKIT_API double BetaCDFInv(double p, double A, double B) noexcept;
+[[nodiscard]] STATKIT_API double BetaCDF(double x, double A, double B) noexcept;
+[[nodiscard]] STATKIT_API double BetaPDF(double x, double A, double B) noexcept;
+[[nodiscard]] STATKIT_API double BetaCDFInv(double p, double A, double B) noexcept;
 STATKIT_API void BetaCDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
 STATKIT_API void BetaPDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
 
-STATKIT_API double WeibullCDF(double x, double A, double B) noexcept;
-STATKIT_API double WeibullPDF(double x, double A, double B) noexcept;
-STATKIT_API double WeibullCDFInv(double p, double A, double B) noexcept;
+/// \brief Weibull distribution function, A the rate-like scale and B the shape: F(x) = 1 - exp(-A x^B)
+/// for x >= 0, density A B x^(B-1) exp(-A x^B) (scale A^(-1/B) in the usual form); the other Weibull
+/// functions take A and B in the same sense.
+[[nodiscard]] STATKIT_API double WeibullCDF(double x, double A, double B) noexcept;
+[[nodiscard]] STATKIT_API double WeibullPDF(double x, double A, double B) noexcept;
+[[nodiscard]] STATKIT_API double WeibullCDFInv(double p, double A, double B) noexcept;
 STATKIT_API void WeibullCDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
 STATKIT_API void WeibullPDF(const TDenseKalpa& X, double A, double B, TDenseKalpa& Dst);
 
-STATKIT_API double ExpCDF(double x, double Mu) noexcept;
-STATKIT_API double ExpPDF(double x, double Mu) noexcept;
-STATKIT_API double ExpCDFInv(double p, double Mu) noexcept;
+[[nodiscard]] STATKIT_API double ExpCDF(double x, double Mu) noexcept;
+[[nodiscard]] STATKIT_API double ExpPDF(double x, double Mu) noexcept;
+[[nodiscard]] STATKIT_API double ExpCDFInv(double p, double Mu) noexcept;
 STATKIT_API void ExpCDF(const TDenseKalpa& X, double Mu, TDenseKalpa& Dst);
 
-STATKIT_API double RayleighCDF(double x, double B) noexcept;
-STATKIT_API double RayleighPDF(double x, double B) noexcept;
-STATKIT_API double RayleighCDFInv(double p, double B) noexcept;
+/// \brief Rayleigh distribution function with scale B: F(x) = 1 - exp(-x^2/(2 B^2)) for x >= 0, density
+/// (x/B^2) exp(-x^2/(2 B^2)), mean B sqrt(pi/2); the other Rayleigh functions take B in the same sense.
+[[nodiscard]] STATKIT_API double RayleighCDF(double x, double B) noexcept;
+[[nodiscard]] STATKIT_API double RayleighPDF(double x, double B) noexcept;
+[[nodiscard]] STATKIT_API double RayleighCDFInv(double p, double B) noexcept;
 STATKIT_API void RayleighCDF(const TDenseKalpa& X, double B, TDenseKalpa& Dst);
 
 /// \brief P(X <= floor(x)) for X binomial with N trials and success probability P.
-STATKIT_API double BinomCDF(double x, int N, double P) noexcept;
-STATKIT_API double BinomCDFc(double x, int N, double P) noexcept;
-STATKIT_API double BinomPDF(double x, int N, double P) noexcept;
-STATKIT_API double PoissonCDF(double x, double Lambda) noexcept;
+[[nodiscard]] STATKIT_API double BinomCDF(double x, int N, double P) noexcept;
+[[nodiscard]] STATKIT_API double BinomCDFc(double x, int N, double P) noexcept;
+[[nodiscard]] STATKIT_API double BinomPDF(double x, int N, double P) noexcept;
+[[nodiscard]] STATKIT_API double PoissonCDF(double x, double Lambda) noexcept;
 /// \brief P(X > floor(x)), computed directly.
-STATKIT_API double PoissonCDFc(double x, double Lambda) noexcept;
-STATKIT_API double PoissonPDF(double x, double Lambda) noexcept;
+[[nodiscard]] STATKIT_API double PoissonCDFc(double x, double Lambda) noexcept;
+[[nodiscard]] STATKIT_API double PoissonPDF(double x, double Lambda) noexcept;
 /// \brief Smallest whole k with PoissonCDF(k) >= p.
-STATKIT_API double PoissonCDFInv(double p, double Lambda) noexcept;
-STATKIT_API double NegBinomCDF(double x, int R, double P) noexcept;
+[[nodiscard]] STATKIT_API double PoissonCDFInv(double p, double Lambda) noexcept;
+[[nodiscard]] STATKIT_API double NegBinomCDF(double x, int R, double P) noexcept;
 /// \brief P(X > floor(x)), computed directly.
-STATKIT_API double NegBinomCDFc(double x, int R, double P) noexcept;
-STATKIT_API double NegBinomPDF(double x, int R, double P) noexcept;
+[[nodiscard]] STATKIT_API double NegBinomCDFc(double x, int R, double P) noexcept;
+[[nodiscard]] STATKIT_API double NegBinomPDF(double x, int R, double P) noexcept;
 /// \brief Smallest whole k with NegBinomCDF(k) >= p.
-STATKIT_API double NegBinomCDFInv(double p, int R, double P) noexcept;
+[[nodiscard]] STATKIT_API double NegBinomCDFInv(double p, int R, double P) noexcept;
 
 /// \brief Inverse error function.
-STATKIT_API double ErfInv(double x) noexcept;
+[[nodiscard]] STATKIT_API double ErfInv(double x) noexcept;
 
 }  // namespace statkit

@@ -30,7 +30,7 @@ STATKIT_API void Randomize();
 
 /// \brief The seed of a new generator from one uniform \p U in [0, 1):
 /// U * 4294967295 rounded half to even to an unsigned 32-bit value, reinterpreted as signed.
-STATKIT_API int SeedFromUniform(double U);
+[[nodiscard]] STATKIT_API int SeedFromUniform(double U);
 /// \brief A seed for a new generator: SeedFromUniform of one draw of the process-wide generator.
 STATKIT_API int NextSeed();
 
@@ -89,9 +89,14 @@ public:
   void RandomCauchy(TKalpa& Dst, double A, double B);
   /// \brief Density exp(-|x - A|/B)/(2 B).
   void RandomLaplace(TKalpa& Dst, double A, double B);
-  /// \brief Density 2 (x - A)/Beta^2 exp(-((x - A)/Beta)^2) for x >= A.
+  /// \brief Rayleigh displaced by \p A with \p Beta > 0: density 2 (x - A)/Beta^2 exp(-((x - A)/Beta)^2)
+  /// for x >= A. Beta is sqrt(2) times the scale b of Statistics::RandomRayleigh and RayleighCDF
+  /// (density (x/b^2) exp(-x^2/(2 b^2))): A = 0, Beta = b sqrt(2) draws that law, mean b sqrt(pi/2).
   void RandomRayleigh(TKalpa& Dst, double A, double Beta);
-  /// \brief Density (Alpha/Beta) ((x - A)/Beta)^(Alpha - 1) exp(-((x - A)/Beta)^Alpha) for x >= A.
+  /// \brief Weibull with shape \p Alpha > 0, displacement \p A and scale \p Beta > 0: density
+  /// (Alpha/Beta) ((x - A)/Beta)^(Alpha - 1) exp(-((x - A)/Beta)^Alpha) for x >= A. The law
+  /// F(x) = 1 - exp(-a x^b) of Statistics::RandomWeibull and WeibullCDF is Alpha = b, A = 0,
+  /// Beta = a^(-1/b).
   void RandomWeibull(TKalpa& Dst, double Alpha, double A, double Beta);
   /// \brief Gamma with shape \p Shape > 0 and scale \p Scale (Marsaglia and Tsang, ACM TOMS 2000).
   void RandomGamma(TKalpa& Dst, double Shape, double Scale);
@@ -114,7 +119,7 @@ public:
   void RandomBits(std::span<std::uint32_t> Dst);
 
   /// \brief The Philox key of this stream.
-  std::array<std::uint32_t, 2> Key() const { return {key_[0], key_[1]}; }
+  [[nodiscard]] std::array<std::uint32_t, 2> Key() const { return {key_[0], key_[1]}; }
 
 private:
   friend class TRandomGenerator;
@@ -143,13 +148,14 @@ public:
   TRandomGenerator& operator=(const TRandomGenerator&) = delete;
 
   /// \brief A new generator owned by the caller.
-  static std::unique_ptr<TRandomGenerator> Create() { return std::make_unique<TRandomGenerator>(); }
+  [[nodiscard]] static std::unique_ptr<TRandomGenerator> Create() { return std::make_unique<TRandomGenerator>(); }
 
   /// \brief How the streams are kept apart (siDistinctKeys by default).
   void SetStreamIndependence(TRngStreamIndependence Independence);
   /// \brief The number of streams (at least 1).
   void SetStreamCount(int Count);
-  int StreamCount() const { return count_; }
+  /// \brief The number of streams.
+  [[nodiscard]] int StreamCount() const { return count_; }
   /// \brief Seeds every stream; only rgPhilox4x32 is supported.
   void Init(TBasicRandomGenerator Generator, int Seed);
   /// \brief Stream \p Index (zero-based), owned by the generator.

@@ -254,6 +254,11 @@ TVec::TVec(std::initializer_list<double> values) {
   std::copy(values.begin(), values.end(), data());
 }
 
+TVec::TVec(int Length, bool Complex) {
+  Allocate(Length, Complex, false);
+  SetZero();
+}
+
 TVec::TVec(const std::vector<double>& values) {
   if (values.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) ERaise(msg::IntegerOverflow);
   Allocate(static_cast<int>(values.size()), false, false);

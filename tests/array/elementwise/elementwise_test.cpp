@@ -91,9 +91,14 @@ TEST(Sorting, PermutationIsStableOnTies) {
     ASSERT_EQ(idx.Length(), n);
     for (int k = 0; k < n; ++k) {
       int p = idx.IValue(k);
-      if (std::isnan(v[k])) EXPECT_TRUE(std::isnan(x[p]));
-      else EXPECT_EQ(v[k], x[p]);
-      if (k > 0 && v[k] == v[k - 1]) EXPECT_GT(p, idx.IValue(k - 1)) << "tie order lost at " << k;
+      if (std::isnan(v[k])) {
+        EXPECT_TRUE(std::isnan(x[p]));
+      } else {
+        EXPECT_EQ(v[k], x[p]);
+      }
+      if (k > 0 && v[k] == v[k - 1]) {
+        EXPECT_GT(p, idx.IValue(k - 1)) << "tie order lost at " << k;
+      }
     }
     EXPECT_EQ(idx.IValue(n - 1), 1);  // the NaN went last
   }

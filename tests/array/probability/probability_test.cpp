@@ -99,7 +99,9 @@ TEST(ProbabilityReference, MatchesFortyDigitValuesToOneInTenToThe13) {
     TVec vec;
     if (name == "NormalCDF") NormalCDF(TVec(xs), par[0], par[1], vec);
     for (std::size_t i = 0; i < xs.size(); ++i, ++compared) {
-      if (name == "NormalCDF") EXPECT_LE(Deviation(vec[I(i)], ys[i]), 1e-13) << "vector NormalCDF x " << xs[i];
+      if (name == "NormalCDF") {
+        EXPECT_LE(Deviation(vec[I(i)], ys[i]), 1e-13) << "vector NormalCDF x " << xs[i];
+      }
       double got = fn->second(par, xs[i]);
       double dev = Deviation(got, ys[i]);
       worst[name] = std::max(worst[name], dev);

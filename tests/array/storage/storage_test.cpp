@@ -91,6 +91,11 @@ TEST(Storage, ComplexElementsArePairsOfDoubles) {
   z.CValues(0) = {1, 2};
   z.CValues(1) = {3, -4};
   EXPECT_EQ(z.data()[3], -4);
+  EXPECT_RAISES(z.begin(), "Complex data not supported");  // no range-for over complex data
+  TVec zeros(3, true), three{3};  // parentheses give a length, braces the listed values
+  EXPECT_EQ(zeros.CValues(2), TCplx(0, 0));
+  EXPECT_EQ(three.Length(), 1);
+
   TVec sum;
   sum.Add(z, z);
   EXPECT_EQ(sum.CValues(1), TCplx(6, -8));
@@ -137,6 +142,7 @@ TEST(Storage, OutOfRangeOverflowingAndMismatchedCallsRaise) {
       {"Size mismatch", [&] { m.SetRow(w, 1); }},
       {"Size mismatch", [&] { w.CValues(0); }},
       {"Size mismatch", [&] { empty.Size(-1); }},
+      {"Size mismatch", [&] { TVec n(-1); }},
       {"Size mismatch", [&] { TMtx r{{1, 2}, {3}}; }},
       {"Size mismatch", [&] { TMtx h; h.ConcatVert({m, sq}); }},
       {"Empty vector", [&] { (void)empty.Mean(); }},
