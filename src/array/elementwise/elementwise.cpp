@@ -98,52 +98,51 @@ inline void addCompensated(double& total, double& comp, double block) {
 
 constexpr std::size_t kBlock = 256;
 
-/// Blocked sum of g over x[0..n): sixteen independent partial sums per block
-/// (four vectors of four lanes), block sums added with compensation.
-/// g(v) replaces the four lanes of v by the terms they contribute.
-template <class G>
-[[gnu::always_inline]] inline double blockedSum(const double* x, std::size_t n, G g) {
+/// Blocked sum of n terms: sixteen independent partial sums per block (four
+/// vectors of four lanes), block sums added with compensation. terms(v, i)
+/// writes terms i..i+3 into v; term(i) gives term i alone, for a block's tail.
+template <class Terms, class Term>
+[[gnu::always_inline]] inline double blockedSum(std::size_t n, Terms terms, Term term) {
   double total = 0.0, comp = 0.0;
   for (std::size_t start = 0; start < n; start += kBlock) {
     std::size_t end = std::min(n, start + kBlock);
     Lanes a = {0, 0, 0, 0}, b = a, c = a, d = a, v;
     std::size_t i = start;
     for (; i + 16 <= end; i += 16) {
-      loadLanes(v, x + i), g(v), a += v;
-      loadLanes(v, x + i + 4), g(v), b += v;
-      loadLanes(v, x + i + 8), g(v), c += v;
-      loadLanes(v, x + i + 12), g(v), d += v;
+      terms(v, i), a += v;
+      terms(v, i + 4), b += v;
+      terms(v, i + 8), c += v;
+      terms(v, i + 12), d += v;
     }
     a = (a + b) + (c + d);
     double block = laneSum(a);
-    for (; i < end; ++i) {
-      Lanes one = {x[i], 0, 0, 0};
-      g(one);
-      block += one[0];
-    }
+    for (; i < end; ++i) block += term(i);
     addCompensated(total, comp, block);
   }
   return total + comp;
 }
 
+/// Blocked sum of g(x[i]) over x[0..n): g(v) replaces the four lanes of v by
+/// the terms they contribute.
+template <class G>
+[[gnu::always_inline]] inline double blockedSum(const double* x, std::size_t n, G g) {
+  return blockedSum(
+      n, [x, g](Lanes& v, std::size_t i) { loadLanes(v, x + i), g(v); },
+      [x, g](std::size_t i) {
+        Lanes one = {x[i], 0, 0, 0};
+        g(one);
+        return one[0];
+      });
+}
+
 [[gnu::always_inline]] inline double dotBody(const double* a, const double* b, std::size_t n) {
-  double total = 0.0, comp = 0.0;
-  for (std::size_t start = 0; start < n; start += kBlock) {
-    std::size_t end = std::min(n, start + kBlock);
-    Lanes p = {0, 0, 0, 0}, q = p, r = p, t = p, u, v;
-    std::size_t i = start;
-    for (; i + 16 <= end; i += 16) {
-      loadLanes(u, a + i), loadLanes(v, b + i), p += u * v;
-      loadLanes(u, a + i + 4), loadLanes(v, b + i + 4), q += u * v;
-      loadLanes(u, a + i + 8), loadLanes(v, b + i + 8), r += u * v;
-      loadLanes(u, a + i + 12), loadLanes(v, b + i + 12), t += u * v;
-    }
-    p = (p + q) + (r + t);
-    double block = laneSum(p);
-    for (; i < end; ++i) block += a[i] * b[i];
-    addCompensated(total, comp, block);
-  }
-  return total + comp;
+  return blockedSum(
+      n,
+      [a, b](Lanes& v, std::size_t i) {
+        Lanes u;
+        loadLanes(u, a + i), loadLanes(v, b + i), v *= u;
+      },
+      [a, b](std::size_t i) { return a[i] * b[i]; });
 }
 
 [[gnu::always_inline]] inline double plainSumBody(const double* x, std::size_t n) {

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <limits>
 
+#include "array/checks.h"
 #include "array/random/philox.h"
 #include "array/random/rng_samplers.h"
 #include "statkit/array/Errors.h"
@@ -63,14 +64,11 @@ TRngStream& TRandomGenerator::GetStream(int Index) {
   std::lock_guard<std::mutex> lock(streamsLock_);
   auto it = streams_.find(Index);
   if (it != streams_.end()) return *it->second;
-  std::unique_ptr<TRngStream> s;
-  try {
-    s.reset(new TRngStream());
-  } catch (const std::bad_alloc&) {
-    ERaise(msg::OutOfMemory);
-  }
-  Place(*s, Index);
-  return *streams_.emplace(Index, std::move(s)).first->second;
+  return detail::RaisingOutOfMemory([&]() -> TRngStream& {
+    std::unique_ptr<TRngStream> s(new TRngStream());
+    Place(*s, Index);
+    return *streams_.emplace(Index, std::move(s)).first->second;
+  });
 }
 
 void TRandomGenerator::Restart() {

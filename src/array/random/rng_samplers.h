@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "array/checks.h"
 #include "array/random/philox.h"
 #include "statkit/array/Errors.h"
 #include "statkit/array/Kalpa.h"
@@ -21,7 +22,7 @@ namespace statkit::rng {
 
 /// The storage of a real destination; a complex one raises "Complex data not supported".
 inline double* RealDestination(TKalpa& Dst) {
-  if (Dst.Complex()) ERaise(msg::ComplexNotSupported);
+  detail::RequireReal(Dst);
   return Dst.data();
 }
 /// Raises "Invalid parameter" unless \p ok (NaN comparisons are false, so NaN is refused).
