@@ -26,12 +26,6 @@ namespace {
 
 using Fill = std::function<void(TDenseKalpa&)>;
 
-TVec complexVec() {
-  TVec v;
-  v.Size(4, true);
-  return v;
-}
-
 // The n-th draw (from 0) of the process-wide generator after RandSeed(seed).
 double nthDraw(std::uint32_t seed, int n) {
   RandSeed(seed);
@@ -47,7 +41,8 @@ struct BadCall {
 };
 
 TEST(RandomVariates, EveryBadCallRaisesItsExactMessage) {
-  TVec r(std::vector<double>(5, 0.0)), c = complexVec();
+  TVec r(std::vector<double>(5, 0.0)), c;
+  c.Size(4, true);
   const double nan = NAN;
   const BadCall table[] = {
       {"beta shape 0", [&] { RandomBeta(0, 1, r); }, "RandomBeta: (A<=0) or (B<=)", 0},
@@ -134,55 +129,78 @@ TEST(RandomVariates, EveryBadCallRaisesItsExactMessage) {
   }
 }
 
-struct GoodCall {
-  const char* what;
-  Fill fill;
-  int draws;
-};
+// Stream 0 of the generator the stream laws draw from, reseeded on request.
+TRngStream& stream0(int seed = 0, bool reseed = false) {
+  static TRandomGenerator g;
+  if (reseed) g.Init(rgPhilox4x32, seed);
+  return g.GetStream(0);
+}
+
+// Every procedure and the stream laws by name, parameters in the order of the call.
+const std::map<std::string, std::function<void(TDenseKalpa&, const std::vector<double>&)>>& laws() {
+  static const std::map<std::string, std::function<void(TDenseKalpa&, const std::vector<double>&)>> table = {
+      {"RandomBeta", [](auto& x, auto& p) { RandomBeta(p[0], p[1], x); }},
+      {"RandomBinom", [](auto& x, auto& p) { RandomBinom(int(p[0]), p[1], x); }},
+      {"RandomCauchy", [](auto& x, auto& p) { RandomCauchy(p[0], p[1], x); }},
+      {"RandomChiSquare", [](auto& x, auto& p) { RandomChiSquare(int(p[0]), x); }},
+      {"RandomExponent", [](auto& x, auto& p) { RandomExponent(p[0], x); }},
+      {"RandomF", [](auto& x, auto& p) { RandomF(int(p[0]), int(p[1]), x); }},
+      {"RandomGamma", [](auto& x, auto& p) { RandomGamma(p[0], p[1], x); }},
+      {"RandomGeometric", [](auto& x, auto& p) { RandomGeometric(p[0], x); }},
+      {"RandomHypGeometric", [](auto& x, auto& p) { RandomHypGeometric(int(p[0]), int(p[1]), int(p[2]), x); }},
+      {"RandomLaplace", [](auto& x, auto& p) { RandomLaplace(p[0], p[1], x); }},
+      {"RandomLogNormal", [](auto& x, auto& p) { RandomLogNormal(p[0], p[1], x); }},
+      {"RandomNegBinom", [](auto& x, auto& p) { RandomNegBinom(int(p[0]), p[1], x); }},
+      {"RandomNormal", [](auto& x, auto& p) { RandomNormal(p[0], p[1], x); }},
+      {"RandomPoisson", [](auto& x, auto& p) { RandomPoisson(p[0], x); }},
+      {"RandomRayleigh", [](auto& x, auto& p) { RandomRayleigh(p[0], x); }},
+      {"RandomStudent", [](auto& x, auto& p) { RandomStudent(int(p[0]), x); }},
+      {"RandomTriangular", [](auto& x, auto& p) { RandomTriangular(p[0], p[1], p[2], x); }},
+      {"RandomUniform", [](auto& x, auto& p) { RandomUniform(p[0], p[1], x); }},
+      {"RandomUniformD", [](auto& x, auto& p) { RandomUniformD(int(p[0]), x); }},
+      {"RandomWeibull", [](auto& x, auto& p) { RandomWeibull(p[0], p[1], x); }},
+      {"Stream.GaussianBoxMuller", [](auto& x, auto& p) { stream0().RandomGaussian(x, p[0], p[1], gmBoxMuller); }},
+      {"Stream.Exponential", [](auto& x, auto& p) { stream0().RandomExponential(x, p[0], p[1]); }},
+      {"Stream.Weibull", [](auto& x, auto& p) { stream0().RandomWeibull(x, p[0], p[1], p[2]); }},
+      {"Stream.Rayleigh", [](auto& x, auto& p) { stream0().RandomRayleigh(x, p[0], p[1]); }},
+      {"Stream.Cauchy", [](auto& x, auto& p) { stream0().RandomCauchy(x, p[0], p[1]); }},
+      {"Stream.Laplace", [](auto& x, auto& p) { stream0().RandomLaplace(x, p[0], p[1]); }},
+      {"Stream.NegBinomial", [](auto& x, auto& p) { stream0().RandomNegbinomial(x, p[0], p[1]); }},
+      {"Stream.Binomial", [](auto& x, auto& p) { stream0().RandomBinomial(x, int(p[0]), p[1]); }},
+      {"Stream.Poisson", [](auto& x, auto& p) { stream0().RandomPoisson(x, p[0]); }},
+      {"Stream.Hypergeometric", [](auto& x, auto& p) { stream0().RandomHypergeometric(x, int(p[0]), int(p[1]), int(p[2])); }},
+  };
+  return table;
+}
 
 // One call of every procedure (and of every path inside one), with the number
 // of process-wide draws it takes: one per generator it seeds.
-std::vector<GoodCall> goodCalls() {
-  return {
-      {"beta", [](TDenseKalpa& r) { RandomBeta(2, 3, r); }, 2},
-      {"beta small shapes", [](TDenseKalpa& r) { RandomBeta(0.3, 2, r); }, 2},
-      {"binom", [](TDenseKalpa& r) { RandomBinom(30, 0.6, r); }, 1},
-      {"cauchy", [](TDenseKalpa& r) { RandomCauchy(1, 2, r); }, 1},
-      {"chi-square", [](TDenseKalpa& r) { RandomChiSquare(5, r); }, 1},
-      {"chi-square 2 (exponential)", [](TDenseKalpa& r) { RandomChiSquare(2, r); }, 1},
-      {"exponent", [](TDenseKalpa& r) { RandomExponent(2, r); }, 1},
-      {"F", [](TDenseKalpa& r) { RandomF(4, 9, r); }, 2},
-      {"gamma shape above 1", [](TDenseKalpa& r) { RandomGamma(2.5, 1, r); }, 1},
-      {"gamma shape 1", [](TDenseKalpa& r) { RandomGamma(1, 2, r); }, 1},
-      {"gamma shape below 1", [](TDenseKalpa& r) { RandomGamma(0.5, 2, r); }, 1},
-      {"geometric", [](TDenseKalpa& r) { RandomGeometric(0.2, r); }, 1},
-      {"geometric p 0", [](TDenseKalpa& r) { RandomGeometric(0, r); }, 1},
-      {"hypgeometric", [](TDenseKalpa& r) { RandomHypGeometric(40, 12, 9, r); }, 1},
-      {"laplace", [](TDenseKalpa& r) { RandomLaplace(1, 2, r); }, 1},
-      {"lognormal", [](TDenseKalpa& r) { RandomLogNormal(0, 1, r); }, 1},
-      {"negbinom", [](TDenseKalpa& r) { RandomNegBinom(3, 0.4, r); }, 1},
-      {"normal", [](TDenseKalpa& r) { RandomNormal(1, 2, r); }, 1},
-      {"poisson", [](TDenseKalpa& r) { RandomPoisson(40, r); }, 1},
-      {"rayleigh", [](TDenseKalpa& r) { RandomRayleigh(2, r); }, 1},
-      {"student 1", [](TDenseKalpa& r) { RandomStudent(1, r); }, 1},
-      {"student 2", [](TDenseKalpa& r) { RandomStudent(2, r); }, 1},
-      {"student 3", [](TDenseKalpa& r) { RandomStudent(3, r); }, 2},
-      {"triangular", [](TDenseKalpa& r) { RandomTriangular(0, 2, 0.5, r); }, 1},
-      {"uniform", [](TDenseKalpa& r) { RandomUniform(-1, 1, r); }, 1},
-      {"uniformD", [](TDenseKalpa& r) { RandomUniformD(9, r); }, 1},
-      {"weibull", [](TDenseKalpa& r) { RandomWeibull(1, 2, r); }, 1},
-  };
-}
+struct GoodCall {
+  const char* law;
+  std::vector<double> params;
+  int draws;
+} goodCalls[] = {
+    {"RandomBeta", {2, 3}, 2},        {"RandomBeta", {0.3, 2}, 2},     {"RandomBinom", {30, 0.6}, 1},
+    {"RandomCauchy", {1, 2}, 1},      {"RandomChiSquare", {5}, 1},     {"RandomChiSquare", {2}, 1},
+    {"RandomExponent", {2}, 1},       {"RandomF", {4, 9}, 2},          {"RandomGamma", {2.5, 1}, 1},
+    {"RandomGamma", {1, 2}, 1},       {"RandomGamma", {0.5, 2}, 1},    {"RandomGeometric", {0.2}, 1},
+    {"RandomGeometric", {0}, 1},      {"RandomHypGeometric", {40, 12, 9}, 1}, {"RandomLaplace", {1, 2}, 1},
+    {"RandomLogNormal", {0, 1}, 1},   {"RandomNegBinom", {3, 0.4}, 1}, {"RandomNormal", {1, 2}, 1},
+    {"RandomPoisson", {40}, 1},       {"RandomRayleigh", {2}, 1},      {"RandomStudent", {1}, 1},
+    {"RandomStudent", {2}, 1},        {"RandomStudent", {3}, 2},       {"RandomTriangular", {0, 2, 0.5}, 1},
+    {"RandomUniform", {-1, 1}, 1},    {"RandomUniformD", {9}, 1},      {"RandomWeibull", {1, 2}, 1},
+};
 
 TEST(RandomVariates, DrawsPerGeneratorShapeAndReproducibility) {
-  for (const auto& t : goodCalls()) {
-    SCOPED_TRACE(t.what);
+  for (const auto& t : goodCalls) {
+    SCOPED_TRACE(t.law + ::testing::PrintToString(t.params));
+    auto fill = [&t](TDenseKalpa& x) { laws().at(t.law)(x, t.params); };
     test::PoolBalance balance;
     // A 3 x 5 matrix keeps its shape and every element is written.
     TMtx first(3, 5), again(3, 5);
     first.SetVal(NAN);
     RandSeed(2024);
-    t.fill(first);
+    fill(first);
     double next = Random();
     EXPECT_EQ(next, nthDraw(2024, t.draws)) << "process-wide draws";
     EXPECT_EQ(first.Rows(), 3);
@@ -190,13 +208,13 @@ TEST(RandomVariates, DrawsPerGeneratorShapeAndReproducibility) {
     for (int i = 0; i < first.Length(); ++i) EXPECT_FALSE(IsNan(first.data()[i])) << "element " << i;
     // The same process-wide state gives the same values.
     RandSeed(2024);
-    t.fill(again);
+    fill(again);
     for (int i = 0; i < first.Length(); ++i) EXPECT_EQ(std::bit_cast<std::uint64_t>(first.data()[i]),
                                                        std::bit_cast<std::uint64_t>(again.data()[i]));
     // An empty Results is accepted, stays empty and still seeds its generators.
     TVec empty;
     RandSeed(2024);
-    t.fill(empty);
+    fill(empty);
     EXPECT_EQ(empty.Length(), 0);
     next = Random();
     EXPECT_EQ(next, nthDraw(2024, t.draws));
@@ -308,53 +326,19 @@ TEST(RandomVariates, ExtremeParametersStayInTheSupport) {
   }
 }
 
-// Every procedure, and the stream methods the procedures do not reach, by the
-// fixture's name: 10^6 draws against SciPy's cells and moments. The procedures
+// The procedures, and the stream methods the procedures do not reach, by the
+// fixture's names: 10^6 draws against SciPy's cells and moments. The procedures
 // draw from the process-wide generator, the stream methods from stream 0 of a
 // generator, both seeded with the record's seed.
 TEST(RandomVariates, MillionDrawsFitTheirLaw) {
-  TRandomGenerator g;
-  auto s = [&g]() -> TRngStream& { return g.GetStream(0); };
-  const std::map<std::string, std::function<void(TVec&, const std::vector<double>&)>> laws = {
-      {"RandomBeta", [](auto& x, auto& p) { RandomBeta(p[0], p[1], x); }},
-      {"RandomBinom", [](auto& x, auto& p) { RandomBinom(int(p[0]), p[1], x); }},
-      {"RandomCauchy", [](auto& x, auto& p) { RandomCauchy(p[0], p[1], x); }},
-      {"RandomChiSquare", [](auto& x, auto& p) { RandomChiSquare(int(p[0]), x); }},
-      {"RandomExponent", [](auto& x, auto& p) { RandomExponent(p[0], x); }},
-      {"RandomF", [](auto& x, auto& p) { RandomF(int(p[0]), int(p[1]), x); }},
-      {"RandomGamma", [](auto& x, auto& p) { RandomGamma(p[0], p[1], x); }},
-      {"RandomGeometric", [](auto& x, auto& p) { RandomGeometric(p[0], x); }},
-      {"RandomHypGeometric", [](auto& x, auto& p) { RandomHypGeometric(int(p[0]), int(p[1]), int(p[2]), x); }},
-      {"RandomLaplace", [](auto& x, auto& p) { RandomLaplace(p[0], p[1], x); }},
-      {"RandomLogNormal", [](auto& x, auto& p) { RandomLogNormal(p[0], p[1], x); }},
-      {"RandomNegBinom", [](auto& x, auto& p) { RandomNegBinom(int(p[0]), p[1], x); }},
-      {"RandomNormal", [](auto& x, auto& p) { RandomNormal(p[0], p[1], x); }},
-      {"RandomPoisson", [](auto& x, auto& p) { RandomPoisson(p[0], x); }},
-      {"RandomRayleigh", [](auto& x, auto& p) { RandomRayleigh(p[0], x); }},
-      {"RandomStudent", [](auto& x, auto& p) { RandomStudent(int(p[0]), x); }},
-      {"RandomTriangular", [](auto& x, auto& p) { RandomTriangular(p[0], p[1], p[2], x); }},
-      {"RandomUniform", [](auto& x, auto& p) { RandomUniform(p[0], p[1], x); }},
-      {"RandomUniformD", [](auto& x, auto& p) { RandomUniformD(int(p[0]), x); }},
-      {"RandomWeibull", [](auto& x, auto& p) { RandomWeibull(p[0], p[1], x); }},
-      {"Stream.GaussianBoxMuller", [s](auto& x, auto& p) { s().RandomGaussian(x, p[0], p[1], gmBoxMuller); }},
-      {"Stream.Exponential", [s](auto& x, auto& p) { s().RandomExponential(x, p[0], p[1]); }},
-      {"Stream.Weibull", [s](auto& x, auto& p) { s().RandomWeibull(x, p[0], p[1], p[2]); }},
-      {"Stream.Rayleigh", [s](auto& x, auto& p) { s().RandomRayleigh(x, p[0], p[1]); }},
-      {"Stream.Cauchy", [s](auto& x, auto& p) { s().RandomCauchy(x, p[0], p[1]); }},
-      {"Stream.Laplace", [s](auto& x, auto& p) { s().RandomLaplace(x, p[0], p[1]); }},
-      {"Stream.NegBinomial", [s](auto& x, auto& p) { s().RandomNegbinomial(x, p[0], p[1]); }},
-      {"Stream.Binomial", [s](auto& x, auto& p) { s().RandomBinomial(x, int(p[0]), p[1]); }},
-      {"Stream.Poisson", [s](auto& x, auto& p) { s().RandomPoisson(x, p[0]); }},
-      {"Stream.Hypergeometric", [s](auto& x, auto& p) { s().RandomHypergeometric(x, int(p[0]), int(p[1]), int(p[2])); }},
-  };
   int checked = 0;
   for (const auto& r : test::LoadFixture("random_variates.txt")) {
     auto p = r.Nums("params");
     SCOPED_TRACE(r.Str("law") + " " + ::testing::PrintToString(p));
     TVec x(std::vector<double>(1000000, 0.0));
     RandSeed(static_cast<std::uint32_t>(r.Num("seed")));
-    g.Init(rgPhilox4x32, static_cast<int>(r.Num("seed")));
-    laws.at(r.Str("law"))(x, p);
+    stream0(static_cast<int>(r.Num("seed")), true);
+    laws().at(r.Str("law"))(x, p);
     test::ExpectGoodFit(x, r);
     ++checked;
   }
