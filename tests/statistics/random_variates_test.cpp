@@ -244,41 +244,28 @@ TEST(RandomVariatesConcurrency, EachCallTakesItsOwnSeed) {
   EXPECT_EQ(firstValues(4), firstValues(1));
 }
 
+// Scales 0, equal ends, p 0 or 1, N 0 or 1, hypergeometric samples that
+// leave no choice (also near INT_MAX), and Weibull scales whose a^(-1/b)
+// underflows to 0 or overflows while E^(1/b) overflows: no 0 x INF.
 TEST(RandomVariates, DegenerateParametersGiveTheirLimit) {
   struct Case {
-    const char* what;
-    Fill fill;
+    const char* law;
+    std::vector<double> params;
     double value;
   } table[] = {
-      {"normal sigma 0", [](TDenseKalpa& r) { RandomNormal(2.5, 0, r); }, 2.5},
-      {"lognormal sigma 0", [](TDenseKalpa& r) { RandomLogNormal(0.7, 0, r); }, std::exp(0.7)},
-      {"laplace b 0", [](TDenseKalpa& r) { RandomLaplace(-1, 0, r); }, -1},
-      {"cauchy b 0", [](TDenseKalpa& r) { RandomCauchy(4, 0, r); }, 4},
-      {"rayleigh b 0", [](TDenseKalpa& r) { RandomRayleigh(0, r); }, 0},
-      {"uniform a = b", [](TDenseKalpa& r) { RandomUniform(3, 3, r); }, 3},
-      {"triangular a = b", [](TDenseKalpa& r) { RandomTriangular(2, 2, 2, r); }, 2},
-      {"binom p 0", [](TDenseKalpa& r) { RandomBinom(7, 0, r); }, 0},
-      {"binom p 1", [](TDenseKalpa& r) { RandomBinom(7, 1, r); }, 7},
-      {"binom n 0", [](TDenseKalpa& r) { RandomBinom(0, 0.4, r); }, 0},
-      {"geometric p 0", [](TDenseKalpa& r) { RandomGeometric(0, r); }, INF},
-      {"negbinom p 0", [](TDenseKalpa& r) { RandomNegBinom(2, 0, r); }, INF},
-      {"negbinom mean beyond the doubles", [](TDenseKalpa& r) { RandomNegBinom(2, 1e-320, r); }, INF},
-      {"uniformD N 0", [](TDenseKalpa& r) { RandomUniformD(0, r); }, 0},
-      {"uniformD N 1", [](TDenseKalpa& r) { RandomUniformD(1, r); }, 1},
-      {"hypgeometric N = M + K, no marked item", [](TDenseKalpa& r) { RandomHypGeometric(5, 0, 5, r); }, 0},
-      {"hypgeometric all marked", [](TDenseKalpa& r) { RandomHypGeometric(5, 5, 3, r); }, 3},
-      {"hypgeometric whole population", [](TDenseKalpa& r) { RandomHypGeometric(7, 3, 7, r); }, 3},
-      {"hypgeometric near INT_MAX", [](TDenseKalpa& r) { RandomHypGeometric(2147483647, 2147483647, 5, r); }, 5},
-      // a^(-1/b) underflows to 0 or overflows, and E^(1/b) overflows: no 0 x INF.
-      {"weibull scale below the doubles", [](TDenseKalpa& r) { RandomWeibull(1e300, 1e-3, r); }, 0},
-      {"weibull scale beyond the doubles", [](TDenseKalpa& r) { RandomWeibull(1e-300, 1e-3, r); }, INF},
-      {"weibull stream scale 0, tiny shape",
-       [](TDenseKalpa& r) { TRandomGenerator().GetStream(0).RandomWeibull(r, 1e-3, 5, 0); }, 5},
+      {"RandomNormal", {2.5, 0}, 2.5},     {"RandomLogNormal", {0.7, 0}, std::exp(0.7)}, {"RandomLaplace", {-1, 0}, -1},
+      {"RandomCauchy", {4, 0}, 4},         {"RandomRayleigh", {0}, 0},         {"RandomUniform", {3, 3}, 3},
+      {"RandomTriangular", {2, 2, 2}, 2},  {"RandomBinom", {7, 0}, 0},         {"RandomBinom", {7, 1}, 7},
+      {"RandomBinom", {0, 0.4}, 0},        {"RandomGeometric", {0}, INF},      {"RandomNegBinom", {2, 0}, INF},
+      {"RandomNegBinom", {2, 1e-320}, INF}, {"RandomUniformD", {0}, 0},        {"RandomUniformD", {1}, 1},
+      {"RandomHypGeometric", {5, 0, 5}, 0}, {"RandomHypGeometric", {5, 5, 3}, 3}, {"RandomHypGeometric", {7, 3, 7}, 3},
+      {"RandomHypGeometric", {2147483647, 2147483647, 5}, 5}, {"RandomWeibull", {1e300, 1e-3}, 0},
+      {"RandomWeibull", {1e-300, 1e-3}, INF}, {"Stream.Weibull", {1e-3, 5, 0}, 5},
   };
   for (const auto& t : table) {
-    SCOPED_TRACE(t.what);
+    SCOPED_TRACE(t.law + ::testing::PrintToString(t.params));
     TVec r(std::vector<double>(1000, NAN));
-    t.fill(r);
+    laws().at(t.law)(r, t.params);
     for (double x : r) ASSERT_EQ(x, t.value);
   }
 }
