@@ -14,11 +14,12 @@ def nums(values):
 
 
 class Fixture:
-    """tests/reference/<name>, opened by its comment lines; "---" opens each record (closes it when trailing)."""
+    """tests/reference/<name>, opened by its comment lines; "---" opens each record (closes it when
+    trailing; only separates records when between)."""
 
-    def __init__(self, name, *comments, trailing=False):
+    def __init__(self, name, *comments, trailing=False, between=False):
         self.out = open(os.path.join(os.path.dirname(os.path.abspath(__file__)), name), "w")
-        self.trailing = trailing
+        self.trailing, self.between, self.first = trailing, between, True
         atexit.register(self.out.close)
         self.out.writelines(f"# {c}\n" for c in comments)
 
@@ -26,4 +27,5 @@ class Fixture:
         """Comment lines, then one line per field: strings and ints as they are, anything else as doubles."""
         lines = [f"# {c}" for c in comments]
         lines += [f"{k} {v if isinstance(v, (str, int)) else nums(v)}" for k, v in fields.items()]
-        self.out.write("\n".join(lines + ["---"] if self.trailing else ["---"] + lines) + "\n")
+        sep, self.first = ([] if self.between and self.first else ["---"]), False
+        self.out.write("\n".join(lines + sep if self.trailing else sep + lines) + "\n")

@@ -12,16 +12,16 @@ fixture keeps mpmath's value (R's qf, qbeta and pt are approximate in places).
 Writes tests/reference/probability.txt. Run: /usr/bin/python3 gen_probability.py
 """
 import math
-import os
 import subprocess
 import sys
 
 import mpmath
 from mpmath import mp, mpf
 
+from fixture_writer import Fixture
+
 mp.dps = 40
 GUARD = 20
-HERE = os.path.dirname(os.path.abspath(__file__))
 
 
 def one_minus(v):
@@ -273,13 +273,14 @@ def add(fn, par, xs, ys):
         records.append((fn, list(par), [k[0] for k in keep], [k[1] for k in keep]))
 
 
-def continuous(name, par, quantile_of, extra=(), cdfc=True, pdf_filter=None, ps=P_GRID):
-    """Both tails and the density where the tails take the values of TAIL_P, and the quantiles."""
+def continuous(name, par, quantile, extra=(), cdfc=True, pdf_filter=None):
+    """Both tails and the density where the tails take the values of TAIL_P, and the quantiles;
+    quantile(p, upper, *par) has lower tail p, or upper tail p when upper."""
     tails, pdf = LAWS[name]
-    xs = set(extra)
+    xs = set(extra(*par) if callable(extra) else extra)
     for p in TAIL_P:
         for upper in (False, True):
-            q = quantile_of(p, upper=upper)
+            q = quantile(p, upper, *par)
             if representable(q) and float(q) != 0:
                 xs.add(float("%.6g" % float(q)))
     xs = sorted(xs)
@@ -287,9 +288,9 @@ def continuous(name, par, quantile_of, extra=(), cdfc=True, pdf_filter=None, ps=
     add(name + "CDF", par, xs, [v[0] for v in t])
     if cdfc:
         add(name + "CDFc", par, xs, [v[1] for v in t])
-    px = [x for x in xs if pdf_filter is None or pdf_filter(x)]
+    px = [x for x in xs if pdf_filter is None or pdf_filter(x, *par)]
     add(name + "PDF", par, px, [pdf(x, *map(mpf, par)) for x in px])
-    add(name + "CDFInv", par, ps, [quantile_of(p) for p in ps])
+    add(name + "CDFInv", par, P_GRID, [quantile(p, False, *par) for p in P_GRID])
 
 
 def discrete(name, par, mean, sd, ks, with_inv=True):
@@ -331,37 +332,33 @@ def build():
         add("NormalCDFInv", (mu, s), ps,
             [mpf(mu) + mpf(s) * symmetric_quantile(lambda x: tails(x, 0, 1), p) for p in ps])
 
-    for nu in DF:
-        extra = [0.0, 1e-10, -1e-10, 0.5, -2.0]
-        if nu <= 3:
-            extra += [-1e16, -1e20, -1e50, -1e100, 1e100] + ([-1e300, 1e300, -1.7e308] if nu == 1 else [])
-        continuous("Student", (nu,), lambda p, upper=False, nu=nu: symmetric_quantile(
-            lambda x: student_tails(x, nu), p, upper), extra)
-    for nu in DF[:-1]:  # 2^31 - 1 would take hours of 380-digit incomplete gamma functions
-        continuous("ChiSquare", (nu,), lambda p, upper=False, nu=nu: positive_quantile(
-            lambda x: LAWS["ChiSquare"][0](x, nu), p, upper, float(nu)), [1e-300, 1e-10, 0.5, 1.0, 2.0])
-    for n1, n2 in [(1, 1), (1, 7), (2, 3), (3, 10), (10, 100), (5, 10000), (100, 1000000),
-                   (10000, 10000), (1000000, 1000000), (1000000, 1), (1, 1000000)]:
-        continuous("F", (n1, n2), lambda p, upper=False, n1=n1, n2=n2: positive_quantile(
-            lambda x: f_tails(x, n1, n2), p, upper), [1e-300, 1e-10, 1.0, 1e10])
-    for a, b in [(0.1, 1.0), (0.5, 2.5), (1.0, 1.0), (3.7, 0.3), (10.0, 7.0), (150.5, 0.01),
-                 (10000.0, 1.0), (250000.0, 3.3), (2e6, 1.0)]:
-        continuous("Gamma", (a, b), lambda p, upper=False, a=a, b=b: positive_quantile(
-            lambda x: LAWS["Gamma"][0](x, a, b), p, upper, a * b), [1e-300, 1e-10, 1.0])
-    for a, b in [(0.5, 0.5), (1.0, 1.0), (2.0, 5.0), (0.1, 10.0), (50.0, 0.7), (1000.0, 10000.0),
-                 (100000.0, 100000.0)]:
-        continuous("Beta", (a, b), lambda p, upper=False, a=a, b=b: unit_quantile(
-            lambda x, y=None: beta_tails(x, a, b, y), p, upper), [1e-300, 1e-10, 0.5], cdfc=False)
-    # Weibull: the density's exponent A x^B carries the rounding of pow (about 1.5 eps
-    # relative), which the density multiplies by A x^B; its grid stops at A x^B = 40.
-    for a, b in [(1.0, 1.0), (2.0, 0.5), (0.3, 3.2), (1e-3, 2.0)]:
-        continuous("Weibull", (a, b), lambda p, upper=False, a=a, b=b: (upper_log(p, upper) / a) ** (1 / mpf(b)),
-                   [1e-300, 1.0], cdfc=False, pdf_filter=lambda x, a=a, b=b: a * x ** b <= 40)
-    for mu in [1.0, 0.3, 2e5]:
-        continuous("Exp", (mu,), lambda p, upper=False, mu=mu: mu * upper_log(p, upper), [1e-300, 1.0], cdfc=False)
-    for b in [1.0, 0.3, 2e5]:
-        continuous("Rayleigh", (b,), lambda p, upper=False, b=b: b * mp.sqrt(2 * upper_log(p, upper)),
-                   [1e-300, 1.0], cdfc=False)
+    positive = lambda name, guess=lambda *par: None: lambda p, upper, *par: positive_quantile(
+        lambda x: LAWS[name][0](x, *par), p, upper, guess(*par))
+    # Each law: parameter sets, quantile(p, upper, *par), extra arguments (or their function of the
+    # parameters), options. Chi-square: 2^31 - 1 degrees would take hours of 380-digit incomplete
+    # gamma functions. Weibull: the density's exponent A x^B carries the rounding of pow (about
+    # 1.5 eps relative), which the density multiplies by A x^B; its grid stops at A x^B = 40.
+    for name, pars, quantile, extra, options in [
+        ("Student", [(nu,) for nu in DF], lambda p, upper, nu: symmetric_quantile(
+            lambda x: student_tails(x, nu), p, upper), lambda nu: [0.0, 1e-10, -1e-10, 0.5, -2.0]
+         + ([-1e16, -1e20, -1e50, -1e100, 1e100] if nu <= 3 else []) + ([-1e300, 1e300, -1.7e308] if nu == 1 else []), {}),
+        ("ChiSquare", [(nu,) for nu in DF[:-1]], positive("ChiSquare", float), [1e-300, 1e-10, 0.5, 1.0, 2.0], {}),
+        ("F", [(1, 1), (1, 7), (2, 3), (3, 10), (10, 100), (5, 10000), (100, 1000000), (10000, 10000),
+               (1000000, 1000000), (1000000, 1), (1, 1000000)], positive("F"), [1e-300, 1e-10, 1.0, 1e10], {}),
+        ("Gamma", [(0.1, 1.0), (0.5, 2.5), (1.0, 1.0), (3.7, 0.3), (10.0, 7.0), (150.5, 0.01), (10000.0, 1.0),
+                   (250000.0, 3.3), (2e6, 1.0)], positive("Gamma", lambda a, b: a * b), [1e-300, 1e-10, 1.0], {}),
+        ("Beta", [(0.5, 0.5), (1.0, 1.0), (2.0, 5.0), (0.1, 10.0), (50.0, 0.7), (1000.0, 10000.0), (100000.0, 100000.0)],
+         lambda p, upper, a, b: unit_quantile(lambda x, y=None: beta_tails(x, a, b, y), p, upper),
+         [1e-300, 1e-10, 0.5], {"cdfc": False}),
+        ("Weibull", [(1.0, 1.0), (2.0, 0.5), (0.3, 3.2), (1e-3, 2.0)],
+         lambda p, upper, a, b: (upper_log(p, upper) / a) ** (1 / mpf(b)), [1e-300, 1.0],
+         {"cdfc": False, "pdf_filter": lambda x, a, b: a * x ** b <= 40}),
+        ("Exp", [(1.0,), (0.3,), (2e5,)], lambda p, upper, mu: mu * upper_log(p, upper), [1e-300, 1.0], {"cdfc": False}),
+        ("Rayleigh", [(1.0,), (0.3,), (2e5,)], lambda p, upper, b: b * mp.sqrt(2 * upper_log(p, upper)),
+         [1e-300, 1.0], {"cdfc": False}),
+    ]:
+        for par in pars:
+            continuous(name, par, quantile, extra, **options)
 
     for n, p in [(1, 0.5), (10, 0.3), (100, 0.01), (1000, 0.5), (10000, 0.999), (1000000, 1e-4)]:
         discrete("Binom", (n, p), n * p, math.sqrt(n * p * (1 - p)), [0, 1, n - 1, n, int(n * p)], with_inv=False)
@@ -427,16 +424,14 @@ def cross_check_r():
 def main():
     build()
     rver = cross_check_r()
-    path = os.path.join(HERE, "probability.txt")
-    with open(path, "w") as f:
-        f.write("# Probability functions: reference values from mpmath %s at mp.dps = 40\n" % mpmath.__version__)
-        f.write("# (tests/reference/gen_probability.py); cross-checked against R %s.\n" % rver)
-        f.write("# fn: function; par: parameters after the argument; x: arguments (p for the\n")
-        f.write("# inverses); y: values. Discrete inverses: the smallest whole k with CDF(k) >= p.\n")
-        for fn, par, xs, ys in records:
-            f.write("---\nfn %s\npar %s\n" % (fn, " ".join(repr(float(v)) for v in par)))
-            f.write("x %s\ny %s\n" % (" ".join(repr(float(v)) for v in xs), " ".join(repr(float(v)) for v in ys)))
-    print("wrote %s: %d records, %d values" % (path, len(records), sum(len(r[2]) for r in records)),
+    out = Fixture("probability.txt",
+                  "Probability functions: reference values from mpmath %s at mp.dps = 40" % mpmath.__version__,
+                  "(tests/reference/gen_probability.py); cross-checked against R %s." % rver,
+                  "fn: function; par: parameters after the argument; x: arguments (p for the",
+                  "inverses); y: values. Discrete inverses: the smallest whole k with CDF(k) >= p.")
+    for fn, par, xs, ys in records:
+        out.record(fn=fn, par=par, x=xs, y=ys)
+    print("wrote probability.txt: %d records, %d values" % (len(records), sum(len(r[2]) for r in records)),
           file=sys.stderr)
 
 

@@ -16,84 +16,52 @@ moment where they are finite.
 Writes random_variates.txt: records "law", "params", "seed", then "edges" or
 "cells" and "probs", then "mean", "var", "mu4" as they exist.
 """
-import math, os
+import math
 import numpy as np
 import scipy
 from scipy import stats
 
+from fixture_writer import Fixture
+
 CELLS = 101
 MIN_PROB = 5e-5
 
-cases = []
-
-def add(law, params, dist, discrete=False, shift=0.0):
-    cases.append((law, params, dist, discrete, shift))
-
-# The procedures of the unit Statistics.
-add("RandomBeta", (0.5, 0.5), stats.beta(0.5, 0.5))
-add("RandomBeta", (2.0, 5.0), stats.beta(2.0, 5.0))
-add("RandomBeta", (0.05, 0.2), stats.beta(0.05, 0.2))
-add("RandomBinom", (20, 0.3), stats.binom(20, 0.3), True)
-add("RandomBinom", (1000, 0.4), stats.binom(1000, 0.4), True)
-add("RandomBinom", (100, 0.95), stats.binom(100, 0.95), True)
-add("RandomBinom", (2000, 0.9), stats.binom(2000, 0.9), True)
-add("RandomCauchy", (1.0, 2.0), stats.cauchy(1.0, 2.0))
-add("RandomChiSquare", (1,), stats.chi2(1))
-add("RandomChiSquare", (2,), stats.chi2(2))
-add("RandomChiSquare", (7,), stats.chi2(7))
-add("RandomExponent", (2.5,), stats.expon(scale=2.5))
-add("RandomF", (3, 7), stats.f(3, 7))
-add("RandomF", (10, 20), stats.f(10, 20))
-add("RandomGamma", (0.5, 2.0), stats.gamma(0.5, scale=2.0))
-add("RandomGamma", (2.5, 1.0), stats.gamma(2.5, scale=1.0))
-add("RandomGamma", (1.0, 3.0), stats.gamma(1.0, scale=3.0))
-add("RandomGamma", (0.05, 1.0), stats.gamma(0.05, scale=1.0))
-add("RandomGamma", (100.0, 0.1), stats.gamma(100.0, scale=0.1))
-add("RandomGeometric", (0.3,), stats.geom(0.3, loc=-1), True)
-add("RandomGeometric", (0.01,), stats.geom(0.01, loc=-1), True)
-add("RandomHypGeometric", (50, 10, 5), stats.hypergeom(50, 10, 5), True)
-add("RandomHypGeometric", (1000, 300, 200), stats.hypergeom(1000, 300, 200), True)
-add("RandomHypGeometric", (1000, 700, 900), stats.hypergeom(1000, 700, 900), True)
-add("RandomHypGeometric", (100000, 50000, 400), stats.hypergeom(100000, 50000, 400), True)
-add("RandomLaplace", (1.0, 2.0), stats.laplace(1.0, 2.0))
-add("RandomLogNormal", (0.5, 0.8), stats.lognorm(0.8, scale=math.exp(0.5)))
-add("RandomNegBinom", (3, 0.4), stats.nbinom(3, 0.4), True)
-add("RandomNegBinom", (1, 0.05), stats.nbinom(1, 0.05), True)
-add("RandomNegBinom", (20, 0.9), stats.nbinom(20, 0.9), True)
-add("RandomNormal", (3.0, 2.0), stats.norm(3.0, 2.0))
-add("RandomPoisson", (3.0,), stats.poisson(3.0), True)
-add("RandomPoisson", (300.0,), stats.poisson(300.0), True)
-add("RandomPoisson", (12.5,), stats.poisson(12.5), True)
-add("RandomPoisson", (0.05,), stats.poisson(0.05), True)
-add("RandomRayleigh", (1.5,), stats.rayleigh(scale=1.5))
-add("RandomStudent", (1,), stats.t(1))
-add("RandomStudent", (2,), stats.t(2))
-add("RandomStudent", (3,), stats.t(3))
-add("RandomStudent", (9,), stats.t(9))
-add("RandomTriangular", (0.0, 3.0, 1.0), stats.triang(1.0 / 3.0, loc=0.0, scale=3.0))
-add("RandomTriangular", (-1.0, 1.0, 1.0), stats.triang(1.0, loc=-1.0, scale=2.0))
-add("RandomUniform", (-2.0, 5.0), stats.uniform(-2.0, 7.0))
-add("RandomUniformD", (6,), stats.randint(1, 7), True)
-add("RandomUniformD", (1000,), stats.randint(1, 1001), True)
-add("RandomWeibull", (2.0, 0.7), stats.weibull_min(0.7, scale=2.0 ** (-1 / 0.7)))
-add("RandomWeibull", (0.5, 3.0), stats.weibull_min(3.0, scale=0.5 ** (-1 / 3.0)))
-# Stream methods that the procedures do not reach: the second normal method,
-# displaced laws, a negative binomial with a fractional count, and the
-# binomial and Poisson methods at the edges of their ranges.
-add("Stream.GaussianBoxMuller", (1.0, 2.0), stats.norm(1.0, 2.0))
-add("Stream.Exponential", (1.0, 2.0), stats.expon(1.0, 2.0))
-add("Stream.Weibull", (1.5, -1.0, 2.0), stats.weibull_min(1.5, loc=-1.0, scale=2.0))
-add("Stream.Rayleigh", (2.0, 1.0), stats.rayleigh(2.0, 1.0 / math.sqrt(2.0)))
-add("Stream.Cauchy", (-3.0, 0.5), stats.cauchy(-3.0, 0.5))
-add("Stream.Laplace", (-1.0, 0.25), stats.laplace(-1.0, 0.25))
-add("Stream.NegBinomial", (2.5, 0.3), stats.nbinom(2.5, 0.3), True)
-add("Stream.NegBinomial", (0.5, 0.01), stats.nbinom(0.5, 0.01), True)
-add("Stream.Binomial", (50, 0.2), stats.binom(50, 0.2), True)
-add("Stream.Binomial", (2000000000, 3e-9), stats.binom(2000000000, 3e-9), True)
-add("Stream.Poisson", (10.0,), stats.poisson(10.0), True)
-add("Stream.Poisson", (9.99,), stats.poisson(9.99), True)
-add("Stream.Poisson", (1e6,), stats.poisson(1e6), True)
-add("Stream.Hypergeometric", (2000000000, 1000000000, 30), stats.hypergeom(2000000000, 1000000000, 30), True)
+# Each law: statkit's name, SciPy's law of statkit's parameters, the parameters in order.
+LAWS = [
+    ("RandomBeta", stats.beta, [(0.5, 0.5), (2.0, 5.0), (0.05, 0.2)]),
+    ("RandomBinom", stats.binom, [(20, 0.3), (1000, 0.4), (100, 0.95), (2000, 0.9)]),
+    ("RandomCauchy", stats.cauchy, [(1.0, 2.0)]),
+    ("RandomChiSquare", stats.chi2, [(1,), (2,), (7,)]),
+    ("RandomExponent", lambda mu: stats.expon(scale=mu), [(2.5,)]),
+    ("RandomF", stats.f, [(3, 7), (10, 20)]),
+    ("RandomGamma", lambda a, b: stats.gamma(a, scale=b), [(0.5, 2.0), (2.5, 1.0), (1.0, 3.0), (0.05, 1.0), (100.0, 0.1)]),
+    ("RandomGeometric", lambda p: stats.geom(p, loc=-1), [(0.3,), (0.01,)]),
+    ("RandomHypGeometric", stats.hypergeom, [(50, 10, 5), (1000, 300, 200), (1000, 700, 900), (100000, 50000, 400)]),
+    ("RandomLaplace", stats.laplace, [(1.0, 2.0)]),
+    ("RandomLogNormal", lambda mu, s: stats.lognorm(s, scale=math.exp(mu)), [(0.5, 0.8)]),
+    ("RandomNegBinom", stats.nbinom, [(3, 0.4), (1, 0.05), (20, 0.9)]),
+    ("RandomNormal", stats.norm, [(3.0, 2.0)]),
+    ("RandomPoisson", stats.poisson, [(3.0,), (300.0,), (12.5,), (0.05,)]),
+    ("RandomRayleigh", lambda b: stats.rayleigh(scale=b), [(1.5,)]),
+    ("RandomStudent", stats.t, [(1,), (2,), (3,), (9,)]),
+    ("RandomTriangular", lambda a, b, c: stats.triang((c - a) / (b - a), loc=a, scale=b - a), [(0.0, 3.0, 1.0), (-1.0, 1.0, 1.0)]),
+    ("RandomUniform", lambda a, b: stats.uniform(a, b - a), [(-2.0, 5.0)]),
+    ("RandomUniformD", lambda n: stats.randint(1, n + 1), [(6,), (1000,)]),
+    ("RandomWeibull", lambda a, b: stats.weibull_min(b, scale=a ** (-1 / b)), [(2.0, 0.7), (0.5, 3.0)]),
+    # Stream methods that the procedures do not reach: the second normal method,
+    # displaced laws, a negative binomial with a fractional count, and the
+    # binomial and Poisson methods at the edges of their ranges.
+    ("Stream.GaussianBoxMuller", stats.norm, [(1.0, 2.0)]),
+    ("Stream.Exponential", stats.expon, [(1.0, 2.0)]),
+    ("Stream.Weibull", lambda b, a, s: stats.weibull_min(b, loc=a, scale=s), [(1.5, -1.0, 2.0)]),
+    ("Stream.Rayleigh", lambda a, b: stats.rayleigh(a, b / math.sqrt(2.0)), [(2.0, 1.0)]),
+    ("Stream.Cauchy", stats.cauchy, [(-3.0, 0.5)]),
+    ("Stream.Laplace", stats.laplace, [(-1.0, 0.25)]),
+    ("Stream.NegBinomial", stats.nbinom, [(2.5, 0.3), (0.5, 0.01)]),
+    ("Stream.Binomial", stats.binom, [(50, 0.2), (2000000000, 3e-9)]),
+    ("Stream.Poisson", stats.poisson, [(10.0,), (9.99,), (1e6,)]),
+    ("Stream.Hypergeometric", stats.hypergeom, [(2000000000, 1000000000, 30)]),
+]
 
 def discrete_cells(dist):
     lo = int(dist.ppf(1e-13))
@@ -133,32 +101,18 @@ def moments(dist):
         m = float((ks * p).sum())
         v = float(((ks - m) ** 2 * p).sum())
         mu4 = float(((ks - m) ** 4 * p).sum())
-        return [("mean", m), ("var", v), ("mu4", mu4)]
+        return {"mean": m, "var": v, "mu4": mu4}
     m, v, k = (float(x) for x in dist.stats("mvk"))
-    out = []
-    if math.isfinite(m) and math.isfinite(v):
-        out.append(("mean", m))
-        out.append(("var", v))
-        if math.isfinite(k):
-            out.append(("mu4", (k + 3.0) * v * v))
-    return out
+    finite = math.isfinite(m) and math.isfinite(v)
+    return {**({"mean": m, "var": v} if finite else {}), **({"mu4": (k + 3.0) * v * v} if finite and math.isfinite(k) else {})}
 
-here = os.path.dirname(os.path.abspath(__file__))
-with open(os.path.join(here, "random_variates.txt"), "w") as f:
-    f.write("# generated by tests/reference/gen_random_variates.py with SciPy %s, NumPy %s\n"
-            % (scipy.__version__, np.__version__))
-    for i, (law, params, dist, discrete, shift) in enumerate(cases):
-        if i:
-            f.write("---\n")
-        f.write("law %s\n" % law)
-        f.write("params %s\n" % " ".join(repr(float(p)) for p in params))
-        f.write("seed %d\n" % (20261123 + 7919 * i))
-        if discrete:
-            cells, probs = discrete_cells(dist)
-            f.write("cells %s\n" % " ".join(str(c) for c in cells))
-            f.write("probs %s\n" % " ".join(repr(float(p)) for p in probs))
-        else:
-            edges = dist.ppf(np.arange(1, CELLS) / CELLS)
-            f.write("edges %s\n" % " ".join(repr(float(e)) for e in edges))
-        for key, value in moments(dist):
-            f.write("%s %r\n" % (key, value))
+out = Fixture("random_variates.txt", "generated by tests/reference/gen_random_variates.py with SciPy %s, NumPy %s"
+              % (scipy.__version__, np.__version__), between=True)
+for i, (law, law_of, params) in enumerate((law, law_of, p) for law, law_of, ps in LAWS for p in ps):
+    dist = law_of(*params)
+    if isinstance(dist.dist, stats.rv_discrete):
+        cells, probs = discrete_cells(dist)
+        cell_fields = {"cells": " ".join(str(c) for c in cells), "probs": probs}
+    else:
+        cell_fields = {"edges": dist.ppf(np.arange(1, CELLS) / CELLS)}
+    out.record(law=law, params=params, seed=20261123 + 7919 * i, **cell_fields, **moments(dist))

@@ -8,7 +8,10 @@
 
 namespace statkit::test {
 
-double ChiSquareUpperTailEven(double x, int df) {
+namespace {
+// Upper tail of the chi-square distribution with an even number of degrees of
+// freedom 2m: exp(-x/2) sum_{k < m} (x/2)^k / k!, exact (a Poisson tail).
+double chiSquareUpperTailEven(double x, int df) {
   // The terms (x/2)^k e^(-x/2) / k! on the log scale: e^(-x/2) alone underflows
   // for x above about 1400, where hundreds of cells are tested.
   double half = 0.5 * x, biggest = -INF;
@@ -21,72 +24,42 @@ double ChiSquareUpperTailEven(double x, int df) {
   for (double t : logTerms) sum += std::exp(t - biggest);
   return std::min(sum * std::exp(biggest), 1.0);
 }
-
-LawMoments MomentsOf(const Record& r, std::optional<double> mean, std::optional<double> variance) {
-  LawMoments m;
-  // The record holds the mean and the variance where the variance is finite,
-  // and the fourth central moment where it is finite too.
-  if (r.Has("mean")) m.mean = mean ? *mean : r.Num("mean");
-  if (r.Has("var")) m.variance = variance ? *variance : r.Num("var");
-  if (r.Has("mu4")) m.mu4 = r.Num("mu4");
-  return m;
-}
-
-namespace {
-// Counts of the draws in the record's cells and their expected probabilities.
-void cellCounts(const TVec& draws, const Record& r, std::vector<double>& counts, std::vector<double>& probs) {
-  const double* x = draws.data();
-  int n = draws.Length();
-  if (r.Has("edges")) {
-    auto edges = r.Nums("edges");
-    counts.assign(edges.size() + 1, 0.0);
-    for (int i = 0; i < n; ++i) counts[std::upper_bound(edges.begin(), edges.end(), x[i]) - edges.begin()] += 1;
-    probs.assign(counts.size(), 1.0 / static_cast<double>(counts.size()));
-    return;
-  }
-  auto cells = r.Nums("cells");
-  probs = r.Nums("probs");
-  counts.assign(cells.size(), 0.0);
-  for (int i = 0; i < n; ++i) {
-    auto at = std::upper_bound(cells.begin(), cells.end(), x[i]) - cells.begin();
-    counts[static_cast<std::size_t>(std::max<std::ptrdiff_t>(at - 1, 0))] += 1;
-  }
-}
 }  // namespace
 
-void ExpectGoodFit(const TVec& draws, const Record& r, const LawMoments& law) {
+void ExpectGoodFit(const TVec& draws, const Record& r) {
   int n = draws.Length();
   const double* x = draws.data();
   ASSERT_TRUE(std::all_of(x, x + n, [](double v) { return std::isfinite(v); })) << "non-finite draw";
 
-  std::vector<double> counts, probs;
-  cellCounts(draws, r, counts, probs);
-  double chi2 = 0.0;
-  for (std::size_t j = 0; j < counts.size(); ++j) {
-    double expected = n * probs[j];
-    chi2 += (counts[j] - expected) * (counts[j] - expected) / expected;
+  // Cells by their lower ends: the first value of each discrete cell, or -inf
+  // and the inner edges of the equiprobable cells of a continuous law.
+  bool continuous = r.Has("edges");
+  std::vector<double> cells = r.Nums(continuous ? "edges" : "cells"), probs;
+  if (continuous) cells.insert(cells.begin(), -INF);
+  probs = continuous ? std::vector<double>(cells.size(), 1.0 / static_cast<double>(cells.size())) : r.Nums("probs");
+  std::vector<double> counts(cells.size(), 0.0);
+  for (int i = 0; i < n; ++i) {
+    auto at = std::upper_bound(cells.begin(), cells.end(), x[i]) - cells.begin();
+    counts[static_cast<std::size_t>(std::max<std::ptrdiff_t>(at - 1, 0))] += 1;
   }
+  double chi2 = 0.0;
+  for (std::size_t j = 0; j < counts.size(); ++j) chi2 += std::pow(counts[j] - n * probs[j], 2) / (n * probs[j]);
   int df = static_cast<int>(counts.size()) - 1;
   ASSERT_EQ(df % 2, 0) << "the cells must give even degrees of freedom";
-  double p = ChiSquareUpperTailEven(chi2, df);
-  EXPECT_GT(p, 1e-4) << "chi-square " << chi2 << " on " << df << " degrees of freedom";
+  EXPECT_GT(chiSquareUpperTailEven(chi2, df), 1e-4) << "chi-square " << chi2 << " on " << df << " degrees of freedom";
 
-  // Two-pass moments: the sample mean, then the centred sum of squares.
-  double mean = 0.0;
+  // Two-pass moments: the sample mean, then the centred sum of squares. The
+  // record holds the mean and the variance where the variance is finite, and
+  // the fourth central moment where it is finite too.
+  double mean = 0.0, ss = 0.0;
   for (int i = 0; i < n; ++i) mean += x[i];
   mean /= n;
-  double ss = 0.0;
   for (int i = 0; i < n; ++i) ss += (x[i] - mean) * (x[i] - mean);
-  double var = ss / (n - 1);
-  if (law.mean && law.variance) {
-    double se = std::sqrt(*law.variance / n);
-    EXPECT_LE(std::fabs(mean - *law.mean), 5.0 * se) << "sample mean " << mean << " law mean " << *law.mean;
-  }
-  if (law.variance && law.mu4) {
-    double v = *law.variance;
-    double se = std::sqrt((*law.mu4 - v * v) / n);  // asymptotic standard error of the sample variance
-    EXPECT_LE(std::fabs(var - v), 5.0 * se) << "sample variance " << var << " law variance " << v;
-  }
+  if (!r.Has("var")) return;
+  double v = r.Num("var"), var = ss / (n - 1);
+  EXPECT_LE(std::fabs(mean - r.Num("mean")), 5.0 * std::sqrt(v / n)) << "sample mean " << mean;
+  // The asymptotic standard error of the sample variance: sqrt((mu4 - var^2) / n).
+  if (r.Has("mu4")) EXPECT_LE(std::fabs(var - v), 5.0 * std::sqrt((r.Num("mu4") - v * v) / n)) << "variance " << var;
 }
 
 }  // namespace statkit::test

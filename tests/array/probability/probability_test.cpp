@@ -26,52 +26,29 @@ using Fn = std::function<double(const Pars&, double)>;
 
 int I(double v) { return static_cast<int>(v); }
 
-// Every scalar function by its fixture name, parameters after the argument.
+// Adapters by parameter types: d double, i int; the parameters come after the argument.
+template <double (*F)(double, double, double)> double dd(const Pars& p, double x) { return F(x, p[0], p[1]); }
+template <double (*F)(double, double)> double d(const Pars& p, double x) { return F(x, p[0]); }
+template <double (*F)(double, int)> double i(const Pars& p, double x) { return F(x, I(p[0])); }
+template <double (*F)(double, int, int)> double ii(const Pars& p, double x) { return F(x, I(p[0]), I(p[1])); }
+template <double (*F)(double, int, double)> double id(const Pars& p, double x) { return F(x, I(p[0]), p[1]); }
+#define FN(f, adapter) {#f, adapter<f>}
+
+// Every scalar function by its fixture name.
 const std::map<std::string, Fn>& Functions() {
   static const std::map<std::string, Fn> fns = {
-      {"NormalCDF", [](const Pars& p, double x) { return NormalCDF(x, p[0], p[1]); }},
-      {"NormalCDFc", [](const Pars& p, double x) { return NormalCDFc(x, p[0], p[1]); }},
-      {"NormalPDF", [](const Pars& p, double x) { return NormalPDF(x, p[0], p[1]); }},
-      {"NormalCDFInv", [](const Pars& p, double x) { return NormalCDFInv(x, p[0], p[1]); }},
-      {"StudentCDF", [](const Pars& p, double x) { return StudentCDF(x, I(p[0])); }},
-      {"StudentCDFc", [](const Pars& p, double x) { return StudentCDFc(x, I(p[0])); }},
-      {"StudentPDF", [](const Pars& p, double x) { return StudentPDF(x, I(p[0])); }},
-      {"StudentCDFInv", [](const Pars& p, double x) { return StudentCDFInv(x, I(p[0])); }},
-      {"ChiSquareCDF", [](const Pars& p, double x) { return ChiSquareCDF(x, I(p[0])); }},
-      {"ChiSquareCDFc", [](const Pars& p, double x) { return ChiSquareCDFc(x, I(p[0])); }},
-      {"ChiSquarePDF", [](const Pars& p, double x) { return ChiSquarePDF(x, I(p[0])); }},
-      {"ChiSquareCDFInv", [](const Pars& p, double x) { return ChiSquareCDFInv(x, I(p[0])); }},
-      {"FCDF", [](const Pars& p, double x) { return FCDF(x, I(p[0]), I(p[1])); }},
-      {"FCDFc", [](const Pars& p, double x) { return FCDFc(x, I(p[0]), I(p[1])); }},
-      {"FPDF", [](const Pars& p, double x) { return FPDF(x, I(p[0]), I(p[1])); }},
-      {"FCDFInv", [](const Pars& p, double x) { return FCDFInv(x, I(p[0]), I(p[1])); }},
-      {"GammaCDF", [](const Pars& p, double x) { return GammaCDF(x, p[0], p[1]); }},
-      {"GammaCDFc", [](const Pars& p, double x) { return GammaCDFc(x, p[0], p[1]); }},
-      {"GammaPDF", [](const Pars& p, double x) { return GammaPDF(x, p[0], p[1]); }},
-      {"GammaCDFInv", [](const Pars& p, double x) { return GammaCDFInv(x, p[0], p[1]); }},
-      {"BetaCDF", [](const Pars& p, double x) { return BetaCDF(x, p[0], p[1]); }},
-      {"BetaPDF", [](const Pars& p, double x) { return BetaPDF(x, p[0], p[1]); }},
-      {"BetaCDFInv", [](const Pars& p, double x) { return BetaCDFInv(x, p[0], p[1]); }},
-      {"WeibullCDF", [](const Pars& p, double x) { return WeibullCDF(x, p[0], p[1]); }},
-      {"WeibullPDF", [](const Pars& p, double x) { return WeibullPDF(x, p[0], p[1]); }},
-      {"WeibullCDFInv", [](const Pars& p, double x) { return WeibullCDFInv(x, p[0], p[1]); }},
-      {"ExpCDF", [](const Pars& p, double x) { return ExpCDF(x, p[0]); }},
-      {"ExpPDF", [](const Pars& p, double x) { return ExpPDF(x, p[0]); }},
-      {"ExpCDFInv", [](const Pars& p, double x) { return ExpCDFInv(x, p[0]); }},
-      {"RayleighCDF", [](const Pars& p, double x) { return RayleighCDF(x, p[0]); }},
-      {"RayleighPDF", [](const Pars& p, double x) { return RayleighPDF(x, p[0]); }},
-      {"RayleighCDFInv", [](const Pars& p, double x) { return RayleighCDFInv(x, p[0]); }},
-      {"BinomCDF", [](const Pars& p, double x) { return BinomCDF(x, I(p[0]), p[1]); }},
-      {"BinomCDFc", [](const Pars& p, double x) { return BinomCDFc(x, I(p[0]), p[1]); }},
-      {"BinomPDF", [](const Pars& p, double x) { return BinomPDF(x, I(p[0]), p[1]); }},
-      {"PoissonCDF", [](const Pars& p, double x) { return PoissonCDF(x, p[0]); }},
-      {"PoissonCDFc", [](const Pars& p, double x) { return PoissonCDFc(x, p[0]); }},
-      {"PoissonPDF", [](const Pars& p, double x) { return PoissonPDF(x, p[0]); }},
-      {"PoissonCDFInv", [](const Pars& p, double x) { return PoissonCDFInv(x, p[0]); }},
-      {"NegBinomCDF", [](const Pars& p, double x) { return NegBinomCDF(x, I(p[0]), p[1]); }},
-      {"NegBinomCDFc", [](const Pars& p, double x) { return NegBinomCDFc(x, I(p[0]), p[1]); }},
-      {"NegBinomPDF", [](const Pars& p, double x) { return NegBinomPDF(x, I(p[0]), p[1]); }},
-      {"NegBinomCDFInv", [](const Pars& p, double x) { return NegBinomCDFInv(x, I(p[0]), p[1]); }},
+      FN(NormalCDF, dd), FN(NormalCDFc, dd), FN(NormalPDF, dd), FN(NormalCDFInv, dd),
+      FN(StudentCDF, i), FN(StudentCDFc, i), FN(StudentPDF, i), FN(StudentCDFInv, i),
+      FN(ChiSquareCDF, i), FN(ChiSquareCDFc, i), FN(ChiSquarePDF, i), FN(ChiSquareCDFInv, i),
+      FN(FCDF, ii), FN(FCDFc, ii), FN(FPDF, ii), FN(FCDFInv, ii),
+      FN(GammaCDF, dd), FN(GammaCDFc, dd), FN(GammaPDF, dd), FN(GammaCDFInv, dd),
+      FN(BetaCDF, dd), FN(BetaPDF, dd), FN(BetaCDFInv, dd),
+      FN(WeibullCDF, dd), FN(WeibullPDF, dd), FN(WeibullCDFInv, dd),
+      FN(ExpCDF, d), FN(ExpPDF, d), FN(ExpCDFInv, d),
+      FN(RayleighCDF, d), FN(RayleighPDF, d), FN(RayleighCDFInv, d),
+      FN(BinomCDF, id), FN(BinomCDFc, id), FN(BinomPDF, id),
+      FN(PoissonCDF, d), FN(PoissonCDFc, d), FN(PoissonPDF, d), FN(PoissonCDFInv, d),
+      FN(NegBinomCDF, id), FN(NegBinomCDFc, id), FN(NegBinomPDF, id), FN(NegBinomCDFInv, id),
       {"ErfInv", [](const Pars&, double x) { return ErfInv(x); }},
   };
   return fns;
@@ -293,18 +270,14 @@ TEST(Probability, VectorFormsMatchTheScalarFormsElementByElement) {
 TEST(Probability, VectorFormsRefuseComplexDataAndUnequalDegrees) {
   TVec z, d, a{1, 2}, b{3};
   z.Size(2, true);
-  const char* complex = "Complex data not supported";
-  EXPECT_RAISES(NormalCDF(z, 0, 1, d), complex);
-  EXPECT_RAISES(NormalCDFInv(z, 0, 1, d), complex);
-  EXPECT_RAISES(GammaCDF(z, 1, 1, d), complex);
-  EXPECT_RAISES(GammaPDF(z, 1, 1, d), complex);
-  EXPECT_RAISES(BetaCDF(z, 1, 1, d), complex);
-  EXPECT_RAISES(BetaPDF(z, 1, 1, d), complex);
-  EXPECT_RAISES(WeibullCDF(z, 1, 1, d), complex);
-  EXPECT_RAISES(WeibullPDF(z, 1, 1, d), complex);
-  EXPECT_RAISES(ExpCDF(z, 1, d), complex);
-  EXPECT_RAISES(RayleighCDF(z, 1, d), complex);
-  EXPECT_RAISES(FCDFInv(0.5, z, z, d), complex);
+  const std::function<void()> complexCalls[] = {
+      [&] { NormalCDF(z, 0, 1, d); }, [&] { NormalCDFInv(z, 0, 1, d); }, [&] { GammaCDF(z, 1, 1, d); },
+      [&] { GammaPDF(z, 1, 1, d); },  [&] { BetaCDF(z, 1, 1, d); },      [&] { BetaPDF(z, 1, 1, d); },
+      [&] { WeibullCDF(z, 1, 1, d); }, [&] { WeibullPDF(z, 1, 1, d); }, [&] { ExpCDF(z, 1, d); },
+      [&] { RayleighCDF(z, 1, d); },  [&] { FCDFInv(0.5, z, z, d); },
+  };
+  int k = 0;
+  for (const auto& call : complexCalls) EXPECT_RAISES(call(), "Complex data not supported") << "call " << k++;
   EXPECT_RAISES(FCDFInv(0.5, a, b, d), "Size mismatch");
 }
 
