@@ -59,7 +59,9 @@ void ExpectGoodFit(const TVec& draws, const Record& r) {
   double v = r.Num("var"), var = ss / (n - 1);
   EXPECT_LE(std::fabs(mean - r.Num("mean")), 5.0 * std::sqrt(v / n)) << "sample mean " << mean;
   // The asymptotic standard error of the sample variance: sqrt((mu4 - var^2) / n).
-  if (r.Has("mu4")) EXPECT_LE(std::fabs(var - v), 5.0 * std::sqrt((r.Num("mu4") - v * v) / n)) << "variance " << var;
+  if (r.Has("mu4")) {
+    EXPECT_LE(std::fabs(var - v), 5.0 * std::sqrt((r.Num("mu4") - v * v) / n)) << "variance " << var;
+  }
 }
 
 }  // namespace statkit::test
