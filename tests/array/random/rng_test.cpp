@@ -171,50 +171,43 @@ TEST(RandomStreams, RefusedCallsRaiseTheArrayMessages) {
   TVec c;
   c.Size(4, true);
   const double nan = NAN, big = std::numeric_limits<double>::max();
-  struct Bad {
-    const char* what;
-    std::function<void()> call;
-    const char* message;
-  } table[] = {
-      {"reserved generator 0", [&] { g.Init(rgReserved0, 1); }, "Basic generator not supported"},
-      {"reserved generator 1", [&] { g.Init(rgReserved1, 1); }, "Basic generator not supported"},
-      {"unknown generator", [&] { g.Init(TBasicRandomGenerator(3), 1); }, "Basic generator not supported"},
-      {"no stream", [&] { g.SetStreamCount(0); }, "Invalid parameter"},
-      {"unknown independence", [&] { g.SetStreamIndependence(TRngStreamIndependence(3)); }, "Invalid parameter"},
-      {"single stream of two", [&] { g.SetStreamIndependence(siSingleStream); }, "Invalid parameter"},
-      {"stream past the count", [&] { g.GetStream(2); }, "Index out of range"},
-      {"negative stream", [&] { g.GetStream(-1); }, "Index out of range"},
-      {"complex destination", [&] { s.RandomUniform(c, 0, 1); }, "Complex data not supported"},
-      {"complex RandGauss", [&] { c.RandGauss(0, 1); }, "Complex data not supported"},
-      {"uniform reversed", [&] { s.RandomUniform(v, 1, 0); }, "Invalid parameter"},
-      {"uniform NaN", [&] { s.RandomUniform(v, nan, 1); }, "Invalid parameter"},
-      {"uniform width overflows", [&] { s.RandomUniform(v, -big, big); }, "Invalid parameter"},
-      {"gaussian negative sigma", [&] { s.RandomGaussian(v, 0, -1); }, "Invalid parameter"},
-      {"gaussian unknown method", [&] { s.RandomGaussian(v, 0, 1, TGaussRandMethod(7)); }, "Invalid parameter"},
-      {"exponential infinite scale", [&] { s.RandomExponential(v, 0, INF); }, "Invalid parameter"},
-      {"cauchy negative scale", [&] { s.RandomCauchy(v, 0, -1); }, "Invalid parameter"},
-      {"laplace NaN location", [&] { s.RandomLaplace(v, nan, 1); }, "Invalid parameter"},
-      {"rayleigh negative scale", [&] { s.RandomRayleigh(v, 0, -1); }, "Invalid parameter"},
-      {"weibull shape 0", [&] { s.RandomWeibull(v, 0, 0, 1); }, "Invalid parameter"},
-      {"triangular mode above", [&] { s.RandomTriangular(v, 0, 1, 2); }, "Invalid parameter"},
-      {"gamma shape 0", [&] { s.RandomGamma(v, 0, 1); }, "Invalid parameter"},
-      {"gamma negative scale", [&] { s.RandomGamma(v, 2, -1); }, "Invalid parameter"},
-      {"log-gamma NaN shape", [&] { s.RandomLogGamma(v, nan); }, "Invalid parameter"},
-      {"binomial negative trials", [&] { s.RandomBinomial(v, -1, 0.5); }, "Invalid parameter"},
-      {"binomial p above 1", [&] { s.RandomBinomial(v, 5, 1.5); }, "Invalid parameter"},
-      {"poisson negative", [&] { s.RandomPoisson(v, -1); }, "Invalid parameter"},
-      {"poisson NaN", [&] { s.RandomPoisson(v, nan); }, "Invalid parameter"},
-      {"poisson unknown method", [&] { s.RandomPoisson(v, 2, TPoissonRandMethod(3)); }, "Invalid parameter"},
-      {"negbinomial r 0", [&] { s.RandomNegbinomial(v, 0, 0.5); }, "Invalid parameter"},
-      {"negbinomial p above 1", [&] { s.RandomNegbinomial(v, 2, 1.5); }, "Invalid parameter"},
-      {"hypergeometric marked above", [&] { s.RandomHypergeometric(v, 5, 6, 1); }, "Invalid parameter"},
-      {"hypergeometric sample above", [&] { s.RandomHypergeometric(v, 5, 1, 6); }, "Invalid parameter"},
-      {"hypergeometric negative", [&] { s.RandomHypergeometric(v, -1, 0, 0); }, "Invalid parameter"},
+  const test::RaiseCase table[] = {
+      {"Basic generator not supported", [&] { g.Init(rgReserved0, 1); }, "reserved generator 0"},
+      {"Basic generator not supported", [&] { g.Init(rgReserved1, 1); }, "reserved generator 1"},
+      {"Basic generator not supported", [&] { g.Init(TBasicRandomGenerator(3), 1); }, "unknown generator"},
+      {"Invalid parameter", [&] { g.SetStreamCount(0); }, "no stream"},
+      {"Invalid parameter", [&] { g.SetStreamIndependence(TRngStreamIndependence(3)); }, "unknown independence"},
+      {"Invalid parameter", [&] { g.SetStreamIndependence(siSingleStream); }, "single stream of two"},
+      {"Index out of range", [&] { g.GetStream(2); }, "stream past the count"},
+      {"Index out of range", [&] { g.GetStream(-1); }, "negative stream"},
+      {"Complex data not supported", [&] { s.RandomUniform(c, 0, 1); }, "complex destination"},
+      {"Complex data not supported", [&] { c.RandGauss(0, 1); }, "complex RandGauss"},
+      {"Invalid parameter", [&] { s.RandomUniform(v, 1, 0); }, "uniform reversed"},
+      {"Invalid parameter", [&] { s.RandomUniform(v, nan, 1); }, "uniform NaN"},
+      {"Invalid parameter", [&] { s.RandomUniform(v, -big, big); }, "uniform width overflows"},
+      {"Invalid parameter", [&] { s.RandomGaussian(v, 0, -1); }, "gaussian negative sigma"},
+      {"Invalid parameter", [&] { s.RandomGaussian(v, 0, 1, TGaussRandMethod(7)); }, "gaussian unknown method"},
+      {"Invalid parameter", [&] { s.RandomExponential(v, 0, INF); }, "exponential infinite scale"},
+      {"Invalid parameter", [&] { s.RandomCauchy(v, 0, -1); }, "cauchy negative scale"},
+      {"Invalid parameter", [&] { s.RandomLaplace(v, nan, 1); }, "laplace NaN location"},
+      {"Invalid parameter", [&] { s.RandomRayleigh(v, 0, -1); }, "rayleigh negative scale"},
+      {"Invalid parameter", [&] { s.RandomWeibull(v, 0, 0, 1); }, "weibull shape 0"},
+      {"Invalid parameter", [&] { s.RandomTriangular(v, 0, 1, 2); }, "triangular mode above"},
+      {"Invalid parameter", [&] { s.RandomGamma(v, 0, 1); }, "gamma shape 0"},
+      {"Invalid parameter", [&] { s.RandomGamma(v, 2, -1); }, "gamma negative scale"},
+      {"Invalid parameter", [&] { s.RandomLogGamma(v, nan); }, "log-gamma NaN shape"},
+      {"Invalid parameter", [&] { s.RandomBinomial(v, -1, 0.5); }, "binomial negative trials"},
+      {"Invalid parameter", [&] { s.RandomBinomial(v, 5, 1.5); }, "binomial p above 1"},
+      {"Invalid parameter", [&] { s.RandomPoisson(v, -1); }, "poisson negative"},
+      {"Invalid parameter", [&] { s.RandomPoisson(v, nan); }, "poisson NaN"},
+      {"Invalid parameter", [&] { s.RandomPoisson(v, 2, TPoissonRandMethod(3)); }, "poisson unknown method"},
+      {"Invalid parameter", [&] { s.RandomNegbinomial(v, 0, 0.5); }, "negbinomial r 0"},
+      {"Invalid parameter", [&] { s.RandomNegbinomial(v, 2, 1.5); }, "negbinomial p above 1"},
+      {"Invalid parameter", [&] { s.RandomHypergeometric(v, 5, 6, 1); }, "hypergeometric marked above"},
+      {"Invalid parameter", [&] { s.RandomHypergeometric(v, 5, 1, 6); }, "hypergeometric sample above"},
+      {"Invalid parameter", [&] { s.RandomHypergeometric(v, -1, 0, 0); }, "hypergeometric negative"},
   };
-  for (const auto& t : table) {
-    SCOPED_TRACE(t.what);
-    EXPECT_RAISES(t.call(), t.message);
-  }
+  test::ExpectEachRaises(table);
 }
 
 TEST(RandomStreams, RandGaussIsTheNormalOfOneSeededStream) {
