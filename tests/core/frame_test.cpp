@@ -53,19 +53,15 @@ double OuterOp(const TVec& x, Fault fault) {
 TEST(CallingFrame, EveryBlockAddsOnePrefixFromTheOutsideIn) {
   TVec x{1, 2, 3};
   TVec empty;
-  const struct {
-    const char* label;
-    std::function<double()> call;
-    std::string message;
-  } cases[] = {
-      {"own check, no block", [&] { return InnerOp(empty, Fault::none); }, "InnerOp: X.Length = 0"},
-      {"inner check through the outer block", [&] { return OuterOp(empty, Fault::none); },
-       "OuterOp : InnerOp: X.Length = 0"},
-      {"array error inside both blocks", [&] { return OuterOp(x, Fault::arrayError); },
-       "OuterOp : InnerOp : Index out of range"},
-      {"a standard exception keeps its text", [&] { return InnerOp(x, Fault::foreignException); },
-       "InnerOp : vector index 1 of 0"},
-      {"anything else", [&] { return OuterOp(x, Fault::unknownException); }, "OuterOp : InnerOp : Unknown error"},
+  const test::RaiseCase cases[] = {
+      {"InnerOp: X.Length = 0", [&] { return InnerOp(empty, Fault::none); }, "own check, no block"},
+      {"OuterOp : InnerOp: X.Length = 0", [&] { return OuterOp(empty, Fault::none); },
+       "inner check through the outer block"},
+      {"OuterOp : InnerOp : Index out of range", [&] { return OuterOp(x, Fault::arrayError); },
+       "array error inside both blocks"},
+      {"InnerOp : vector index 1 of 0", [&] { return InnerOp(x, Fault::foreignException); },
+       "a standard exception keeps its text"},
+      {"OuterOp : InnerOp : Unknown error", [&] { return OuterOp(x, Fault::unknownException); }, "anything else"},
   };
   test::ExpectEachRaises(cases);
   test::PoolBalance balance;
