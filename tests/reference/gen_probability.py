@@ -12,6 +12,7 @@ fixture keeps mpmath's value (R's qf, qbeta and pt are approximate in places).
 Writes tests/reference/probability.txt. Run: /usr/bin/python3 gen_probability.py
 """
 import math
+import re
 import subprocess
 import sys
 
@@ -273,24 +274,25 @@ def add(fn, par, xs, ys):
         records.append((fn, list(par), [k[0] for k in keep], [k[1] for k in keep]))
 
 
-def continuous(name, par, quantile, extra=(), cdfc=True, pdf_filter=None):
-    """Both tails and the density where the tails take the values of TAIL_P, and the quantiles;
-    quantile(p, upper, *par) has lower tail p, or upper tail p when upper."""
+def continuous(name, par, quantile, extra=(), cdfc=True, pdf_filter=None, xs=None, ps=P_GRID):
+    """Both tails and the density where the tails take the values of TAIL_P (or at xs), and the
+    quantiles at ps; quantile(p, upper, *par) has lower tail p, or upper tail p when upper."""
     tails, pdf = LAWS[name]
-    xs = set(extra(*par) if callable(extra) else extra)
-    for p in TAIL_P:
-        for upper in (False, True):
-            q = quantile(p, upper, *par)
-            if representable(q) and float(q) != 0:
-                xs.add(float("%.6g" % float(q)))
-    xs = sorted(xs)
+    if xs is None:
+        xs = set(extra(*par) if callable(extra) else extra)
+        for p in TAIL_P:
+            for upper in (False, True):
+                q = quantile(p, upper, *par)
+                if representable(q) and float(q) != 0:
+                    xs.add(float("%.6g" % float(q)))
+        xs = sorted(xs)
     t = [tails(x, *par) for x in xs]
     add(name + "CDF", par, xs, [v[0] for v in t])
     if cdfc:
         add(name + "CDFc", par, xs, [v[1] for v in t])
     px = [x for x in xs if pdf_filter is None or pdf_filter(x, *par)]
     add(name + "PDF", par, px, [pdf(x, *map(mpf, par)) for x in px])
-    add(name + "CDFInv", par, P_GRID, [quantile(p, False, *par) for p in P_GRID])
+    add(name + "CDFInv", par, ps, [quantile(p, False, *par) for p in ps])
 
 
 def discrete(name, par, mean, sd, ks, with_inv=True):
@@ -320,17 +322,11 @@ def build():
           -15.0, -10.0, -8.0, -6.0, -5.0, -3.0, -2.0, -1.5, -1.0, -0.5, -1e-8, -1e-300, 0.0, 1e-300,
           0.25, 0.5, 1.0, 1.41, 2.0, 3.0, 5.0, 8.0, 8.2, 9.0, 12.0, 20.0, 38.0]
     zs += [float("%.12g" % (-38.0 + 47.0 * i / 61.0)) for i in range(61)]
-    tails, pdf = LAWS["Normal"]
+    standard = lambda p, upper, mu, s: mpf(mu) + mpf(s) * symmetric_quantile(lambda x: normal_tails(x, 0, 1), p)
     for mu, s in [(0.0, 1.0), (3.0, 0.5), (-1000.0, 25.5), (0.1, 3.3)]:
         # Shifted and scaled arguments make the standardised one inexact.
-        xs = sorted({mu + s * z for z in zs})
-        t = [tails(x, mu, s) for x in xs]
-        add("NormalCDF", (mu, s), xs, [v[0] for v in t])
-        add("NormalCDFc", (mu, s), xs, [v[1] for v in t])
-        add("NormalPDF", (mu, s), xs, [pdf(x, mu, s) for x in xs])
-        ps = P_GRID + [5e-324, 1e-320, 1e-310, 2.2250738585072014e-308]
-        add("NormalCDFInv", (mu, s), ps,
-            [mpf(mu) + mpf(s) * symmetric_quantile(lambda x: tails(x, 0, 1), p) for p in ps])
+        continuous("Normal", (mu, s), standard, xs=sorted({mu + s * z for z in zs}),
+                   ps=P_GRID + [5e-324, 1e-320, 1e-310, 2.2250738585072014e-308])
 
     positive = lambda name, guess=lambda *par: None: lambda p, upper, *par: positive_quantile(
         lambda x: LAWS[name][0](x, *par), p, upper, guess(*par))
@@ -383,12 +379,11 @@ R_CALLS = {
 
 
 def r_call(fn):
-    for law, (r, args) in R_CALLS.items():
-        if fn.startswith(law) and fn[len(law):] in ("CDF", "CDFc", "PDF", "CDFInv"):
-            kind = fn[len(law):]
-            prefix = {"CDF": "p", "CDFc": "p", "PDF": "d", "CDFInv": "q"}[kind]
-            return "%s%s(x, %s%s)" % (prefix, r, args, ", lower.tail=FALSE" if kind == "CDFc" else "")
-    return None
+    law, kind = re.fullmatch(r"(.*?)(CDFInv|CDFc|CDF|PDF|Inv)", fn).groups()
+    if law not in R_CALLS:
+        return None
+    prefix = {"CDF": "p", "CDFc": "p", "PDF": "d", "CDFInv": "q"}[kind]
+    return "%s%s(x, %s%s)" % (prefix, R_CALLS[law][0], R_CALLS[law][1], ", lower.tail=FALSE" if kind == "CDFc" else "")
 
 
 def cross_check_r():
