@@ -144,6 +144,7 @@ TEST(Probability, ZeroBelowAndOneAboveTheSupportAlsoAtInfinity) {
       {"BinomCDF 7.999", BinomCDF(7.999, 30, 0.37) - BinomCDF(7, 30, 0.37), 0},
       {"BinomCDF 2.25", BinomCDF(2.25, 30, 0.37) - BinomCDF(2, 30, 0.37), 0},
       {"BinomCDFc 29.5", BinomCDFc(29.5, 30, 0.37) - BinomCDFc(29, 30, 0.37), 0},
+      {"BinomCDFc 0.5", BinomCDFc(0.5, 30, 0.37) - BinomCDFc(0, 30, 0.37), 0},
       // Degenerate laws at the boundary of their parameters put all mass on one point.
       {"BinomCDF P=0", BinomCDF(0, 7, 0), 1},         {"BinomCDF P=1", BinomCDF(6, 7, 1), 0},
       {"BinomCDF N=0", BinomCDF(0, 0, 0.5), 1},       {"PoissonCDF mean 0", PoissonCDF(0, 0), 1},
