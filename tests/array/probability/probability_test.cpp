@@ -120,7 +120,7 @@ TEST(Probability, InvalidParametersGiveNaN) {
   for (std::size_t i = 0; i < calls.size(); ++i) EXPECT_TRUE(std::isnan(calls[i]())) << "call " << i;
 }
 
-TEST(Probability, ZeroBelowAndOneAboveTheSupportAlsoAtInfinity) {
+TEST(Probability, DistributionFunctionsAndDensitiesAtAndBeyondTheSupportEdges) {
   struct Case {
     const char* what;
     double got, want;
@@ -157,16 +157,7 @@ TEST(Probability, ZeroBelowAndOneAboveTheSupportAlsoAtInfinity) {
       {"ExpCDFInv 1", ExpCDFInv(1, 2), INF},           {"PoissonCDFInv 1", PoissonCDFInv(1, 2.5), INF},
       {"PoissonCDFInv 0", PoissonCDFInv(0, 2.5), 0},   {"NegBinomCDFInv 1", NegBinomCDFInv(1, 2, 0.5), INF},
       {"ErfInv 1", ErfInv(1), INF},                    {"ErfInv -1", ErfInv(-1), -INF},
-  };
-  for (const auto& c : cases) EXPECT_EQ(c.got, c.want) << c.what;
-}
-
-// The density's limit at the edge of the support: +inf, a constant or 0 by the exponent there.
-TEST(Probability, DensitiesTakeTheirLimitAtTheSupportEdge) {
-  struct Case {
-    const char* what;
-    double got, want;
-  } cases[] = {
+      // The density's limit at the edge of the support: +inf, a constant or 0 by the exponent there.
       {"GammaPDF A<1", GammaPDF(0, 0.5, 2), INF},   {"GammaPDF A=1", GammaPDF(0, 1, 4), 0.25},
       {"GammaPDF A>1", GammaPDF(0, 1.5, 2), 0},     {"GammaPDF x<0", GammaPDF(-1, 0.5, 2), 0},
       {"ChiSquarePDF 1", ChiSquarePDF(0, 1), INF},  {"ChiSquarePDF 2", ChiSquarePDF(0, 2), 0.5},
