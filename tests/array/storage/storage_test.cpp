@@ -16,8 +16,9 @@ namespace {
 
 std::vector<double> values(const TDenseKalpa& k) { return {k.data(), k.data() + k.Length()}; }
 
-// Each case builds copies or views, works through them and returns what it then sees.
-TEST(Storage, CopiesAreDeepViewsShareTheirSourceUntilItResizes) {
+// Each case builds copies or views, or reshapes, works through them and returns what it then sees.
+TEST(Storage, CopiesViewsAndShapeOperationsKeepElementsWhereTheyBelong) {
+  const TMtx m23{{1, 2, 3}, {4, 5, 6}}, sq{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
   const struct {
     const char* label;
     std::function<std::vector<double>()> observe;
@@ -81,6 +82,22 @@ TEST(Storage, CopiesAreDeepViewsShareTheirSourceUntilItResizes) {
          return seen;
        },
        {1, 2, 4, 2, 4}},
+      {"transpose", [&] { TMtx t; t.Transp(m23); return values(t); }, {1, 4, 2, 5, 3, 6}},
+      {"transpose in place", [&] { TMtx t = m23; t.Transp(); return values(t); }, {1, 4, 2, 5, 3, 6}},
+      {"column", [&] { TVec c; c.GetCol(sq, 1); return values(c); }, {2, 5, 8}},
+      {"diagonal above", [&] { TVec d; d.Diag(sq, 1); return values(d); }, {2, 6}},
+      {"diagonal below", [&] { TVec d; d.Diag(sq, -2); return values(d); }, {7}},
+      {"resize keeps the block", [&] { TMtx r = sq; r.Resize(2, 4); return values(r); }, {1, 2, 3, 0, 4, 5, 6, 0}},
+      {"shift right", [] { TVec v{1, 2, 3, 4}; v.Shift(1); return values(v); }, {0, 1, 2, 3}},
+      {"shift left", [] { TVec v{1, 2, 3, 4}; v.Shift(-2); return values(v); }, {3, 4, 0, 0}},
+      {"concat", [] { TVec a{1, 2}, b{3}, c; c.Concat({a, b, a}); return values(c); }, {1, 2, 3, 1, 2}},
+      {"split", [] { TVec c{1, 2, 3, 4, 5}, x, y; x.Size(3); y.Size(2); c.Split({x, y}); return values(y); }, {4, 5}},
+      {"concat side by side",
+       [] { TMtx h, one{{1}, {2}}, two{{3, 4}, {5, 6}}; h.ConcatHorz({one, two}); return values(h); },
+       {1, 3, 4, 2, 5, 6}},
+      {"reverse into itself", [] { TVec r{1, 2, 3}; r.Reverse(r); r.Resize(4); return values(r); }, {3, 2, 1, 0}},
+      {"overlapping blocks of one object",
+       [&] { TMtx c = sq; c.Copy(c, 0, 0, 1, 1, 2, 2); return values(c); }, {1, 2, 3, 4, 1, 2, 7, 4, 5}},
   };
   for (const auto& c : cases) EXPECT_EQ(c.observe(), c.expected) << c.label;
 }
@@ -157,32 +174,6 @@ TEST(Storage, OutOfRangeOverflowingAndMismatchedCallsRaise) {
   test::ExpectEachRaises(bad);
 }
 
-TEST(Storage, ShapeOperationsKeepElementsWhereTheyBelong) {
-  const TMtx m23{{1, 2, 3}, {4, 5, 6}}, sq{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
-  const struct {
-    const char* label;
-    std::function<std::vector<double>()> result;
-    std::vector<double> expected;
-  } cases[] = {
-      {"transpose", [&] { TMtx t; t.Transp(m23); return values(t); }, {1, 4, 2, 5, 3, 6}},
-      {"transpose in place", [&] { TMtx t = m23; t.Transp(); return values(t); }, {1, 4, 2, 5, 3, 6}},
-      {"column", [&] { TVec c; c.GetCol(sq, 1); return values(c); }, {2, 5, 8}},
-      {"diagonal above", [&] { TVec d; d.Diag(sq, 1); return values(d); }, {2, 6}},
-      {"diagonal below", [&] { TVec d; d.Diag(sq, -2); return values(d); }, {7}},
-      {"resize keeps the block", [&] { TMtx r = sq; r.Resize(2, 4); return values(r); }, {1, 2, 3, 0, 4, 5, 6, 0}},
-      {"shift right", [] { TVec v{1, 2, 3, 4}; v.Shift(1); return values(v); }, {0, 1, 2, 3}},
-      {"shift left", [] { TVec v{1, 2, 3, 4}; v.Shift(-2); return values(v); }, {3, 4, 0, 0}},
-      {"concat", [] { TVec a{1, 2}, b{3}, c; c.Concat({a, b, a}); return values(c); }, {1, 2, 3, 1, 2}},
-      {"split", [] { TVec c{1, 2, 3, 4, 5}, x, y; x.Size(3); y.Size(2); c.Split({x, y}); return values(y); }, {4, 5}},
-      {"concat side by side",
-       [] { TMtx h, one{{1}, {2}}, two{{3, 4}, {5, 6}}; h.ConcatHorz({one, two}); return values(h); },
-       {1, 3, 4, 2, 5, 6}},
-      {"reverse into itself", [] { TVec r{1, 2, 3}; r.Reverse(r); r.Resize(4); return values(r); }, {3, 2, 1, 0}},
-      {"overlapping blocks of one object",
-       [&] { TMtx c = sq; c.Copy(c, 0, 0, 1, 1, 2, 2); return values(c); }, {1, 2, 3, 4, 1, 2, 7, 4, 5}},
-  };
-  for (const auto& c : cases) EXPECT_EQ(c.result(), c.expected) << c.label;
-}
 
 // Requests that cannot be met raise "Out of memory" (with the prefix of the
 // operation's protected block) instead of ending the process. Run by ctest
