@@ -14,14 +14,6 @@ namespace {
 
 using Rows = std::vector<std::vector<double>>;
 
-void expectRows(const TMtx& m, const Rows& expected) {
-  ASSERT_EQ(m.Rows(), static_cast<int>(expected.size()));
-  for (int r = 0; r < m.Rows(); ++r) {
-    ASSERT_EQ(m.Cols(), static_cast<int>(expected[r].size()));
-    for (int c = 0; c < m.Cols(); ++c) EXPECT_EQ(m(r, c), expected[r][c]) << "(" << r << ", " << c << ")";
-  }
-}
-
 TEST(FullFactDesign, RowOrderScalingAndLevels) {
   const TVec scale{10, 20, 30};
   const struct {
@@ -48,7 +40,11 @@ TEST(FullFactDesign, RowOrderScalingAndLevels) {
     SCOPED_TRACE(c.what);
     TMtx d;
     c.call(d);
-    expectRows(d, c.expected);
+    ASSERT_EQ(d.Rows(), static_cast<int>(c.expected.size()));
+    for (int r = 0; r < d.Rows(); ++r) {
+      ASSERT_EQ(d.Cols(), static_cast<int>(c.expected[r].size()));
+      for (int j = 0; j < d.Cols(); ++j) EXPECT_EQ(d(r, j), c.expected[r][j]) << "(" << r << ", " << j << ")";
+    }
   }
 }
 
