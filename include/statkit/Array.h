@@ -6,6 +6,7 @@
 #include "statkit/array/Errors.h"
 #include "statkit/array/Kalpa.h"
 #include "statkit/array/Math.h"
+#include "statkit/array/Optim.h"
 #include "statkit/array/Pool.h"
 #include "statkit/array/Probability.h"
 #include "statkit/array/Random.h"
