@@ -45,7 +45,7 @@ int Simplex(TOptObjective Fun, std::span<double> Pars, std::span<const double> C
   std::vector<std::size_t> order;
   detail::RaisingOutOfMemory([&] {
     v.assign(n + 1, std::vector<double>(Pars.begin(), Pars.end()));
-    f.resize(n + 1);
+    f.assign(n + 1, INFINITY);  // only the start is evaluated when MaxIter is 0
     centroid.resize(n);
     xr.resize(n);
     xe.resize(n);

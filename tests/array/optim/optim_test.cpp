@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <string>
 #include <vector>
 
 #include "statkit/Array.h"
@@ -194,6 +195,46 @@ TEST(NumericGradHess, MatchesAnalyticDerivatives) {
         EXPECT_EQ(H(i, j), H(j, i));
       }
     }
+  }
+}
+
+double Nan(Cs, Cs, Objs) { return NAN; }
+double Linear(Cs x, Cs, Objs) { return x[0] + x[1]; }
+
+// Runs that cannot converge end in bounded time with the reason and the best value seen.
+TEST(Optimisers, ReportWhyTheyStop) {
+  struct Row {
+    const char* label;
+    bool simplex;
+    TOptObjective fun;
+    int maxIter;
+    TOptStopReason why;
+    double fmin;
+    int iters;
+  };
+  const Row rows[] = {
+      {"Simplex, NaN everywhere", true, Nan, 300, osMaxIterations, INF, 300},
+      {"Simplex, no iteration", true, Mgh, 0, osMaxIterations, 24.2, 0},
+      {"Simplex, unbounded below", true, Linear, 300, osMaxIterations, -INF, 300},
+      {"Marquardt, NaN at the start", false, Nan, 300, osNotFinite, NAN, 0},
+      {"Marquardt, zero Hessian", false, Linear, 300, osSingularSystem, -0.2, 0},
+  };
+  const std::vector<double> consts = {0};
+  for (const auto& r : rows) {
+    std::vector<double> x = {-1.2, 1};
+    double f = 0;
+    TOptStopReason why{};
+    TMtx cov;
+    const int iters = r.simplex ? Simplex(r.fun, x, consts, {}, f, why, r.maxIter, 1e-8)
+                                : Marquardt(r.fun, NumericGradHess, x, consts, {}, f, cov, why, r.maxIter, 1e-8, 0, 0.01);
+    EXPECT_EQ(TOptStopReasonNames[why], TOptStopReasonNames[r.why]) << r.label;
+    EXPECT_EQ(iters, r.iters) << r.label;
+    if (r.fmin == -INF)  // the expanding simplex runs off towards -INF
+      EXPECT_LT(f, -1e50) << r.label;
+    else if (std::isinf(r.fmin) || std::isnan(r.fmin))
+      EXPECT_EQ(std::to_string(f), std::to_string(r.fmin)) << r.label;
+    else
+      EXPECT_NEAR(f, r.fmin, 1e-12) << r.label;
   }
 }
 
