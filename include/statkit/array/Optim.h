@@ -29,17 +29,22 @@ using TOptObjective = double (*)(std::span<const double> Pars, std::span<const d
 using TOptGradHessProc = void (*)(TOptObjective Fun, std::span<const double> Pars, std::span<const double> Consts,
                                   std::span<TObject* const> Objects, TVec& Grad, TMtx& Hess);
 
+/// \brief Gradient procedure of BFGS: fills Grad (length n) at Pars, right after the
+/// objective was evaluated at the same Pars.
+using TOptGradProc = void (*)(TOptObjective Fun, std::span<const double> Pars, std::span<const double> Consts,
+                              std::span<TObject* const> Objects, TVec& Grad);
+
 /// \brief Which optimiser a host selects (ordinals 0..5).
 enum TOptMethod : std::uint8_t { optSimplex, optMarquardt, optBFGS, optDFP, optConjGradFR, optConjGradPR };
 inline constexpr std::array<std::string_view, 6> TOptMethodNames{"optSimplex", "optMarquardt",  "optBFGS",
                                                                  "optDFP",     "optConjGradFR", "optConjGradPR"};
 
 /// \brief Why an optimiser stopped.
-/// - osSmallGradient: the scaled gradient max_i |g_i| max(|x_i|, 1) fell to GradTol max(|f|, 1) or below;
+/// - osSmallGradient: the scaled gradient (Marquardt, BFGS) max_i |g_i| max(|x_i|, 1) fell to GradTol max(|f|, 1) or below;
 /// - osSmallStep: the last step changed every parameter by at most Tol max(|x_i|, 1) (Marquardt), or the
 ///   simplex shrank to that size with its function values within Tol max(|f_best|, 1) (Simplex);
-/// - osSmallChange: the objective decreased by at most Tol max(|f|, 1) over the last step (reserved
-///   for the gradient methods; Simplex and Marquardt do not stop on it alone);
+/// - osSmallChange: a line search step lowered the objective by no more than 4 eps |f|, rounding
+///   (BFGS);
 /// - osMaxIterations: MaxIter iterations were used up;
 /// - osSingularSystem: the caller's matrix has a zero trace (Marquardt), so its sign convention and
 ///   the damping are undefined;
@@ -121,5 +126,26 @@ STATKIT_API int Marquardt(TOptObjective Fun, TOptGradHessProc GradHess, std::spa
                           std::span<const double> Consts, std::span<TObject* const> Objects, double& FMin,
                           TMtx& VarCovar, TOptStopReason& StopReason, int MaxIter, double Tol, double GradTol,
                           double Lambda0, std::vector<std::string>* Log = nullptr);
+
+/// \brief Quasi-Newton minimisation: BFGS, or DFP when \p DFP is true (Nocedal and Wright 2006,
+/// chapter 6). The inverse-Hessian model starts as the identity, is rescaled by s'y / y'y before the
+/// first update, and is kept when a step fails the curvature condition s'y > 0. Each step is a line
+/// search along -H g for the strong Wolfe conditions (c1 = 1e-4; c2 = 0.9 when \p SoftLineSearch,
+/// an accurate search with c2 = 0.01 otherwise; at most 40 evaluations), starting at the full step.
+/// A direction that does not descend, or a failed search, restarts from the identity (steepest
+/// descent); a failed steepest-descent search stops with osSmallStep.
+///
+/// Stopping: osNotFinite (f or g not finite at the start or after a step); osSmallGradient
+/// (max_i |g_i| max(|x_i|, 1) <= GradTol max(|f|, 1)); osSmallStep (every |x_new,i - x_i| <=
+/// Tol max(|x_i|, 1)); osSmallChange; osMaxIterations.
+///
+/// \return the number of iterations (line searches), at most MaxIter. Pars receives the best
+/// point, FMin its objective and InvHess the final inverse-Hessian model. MaxIter < 0, Tol or
+/// GradTol negative or NaN, or a null callback raise "Invalid parameter"; empty Pars raise "Empty
+/// vector"; a gradient of the wrong length raises "Size mismatch".
+STATKIT_API int BFGS(TOptObjective Fun, TOptGradProc GradProc, std::span<double> Pars, std::span<const double> Consts,
+                     std::span<TObject* const> Objects, double& FMin, TMtx& InvHess, TOptStopReason& StopReason,
+                     bool DFP, bool SoftLineSearch, int MaxIter, double Tol, double GradTol,
+                     std::vector<std::string>* Log = nullptr);
 
 }  // namespace statkit

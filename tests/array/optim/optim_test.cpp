@@ -101,6 +101,27 @@ TEST(Simplex, MinimisesStandardProblems) {
   }
 }
 
+void MghGradient(TOptObjective fun, Cs x, Cs c, Objs o, TVec& g) {
+  TMtx h;
+  MghGaussNewton(fun, x, c, o, g, h);
+  for (int i = 0; i < g.Length(); ++i) g[i] *= 2;
+}
+
+// Both updates (BFGS, DFP), each with the accurate and the soft line search.
+TEST(BFGS, MinimisesStandardProblems) {
+  for (int method = 0; method < 4; ++method)
+    for (const auto& c : kMgh) {
+      SCOPED_TRACE(std::to_string(method) + " " + c.name);
+      std::vector<double> x = c.start, consts = {c.id};
+      double fmin = NAN;
+      TOptStopReason why{};
+      TMtx invHess;
+      BFGS(Mgh, MghGradient, x, consts, {}, fmin, invHess, why, method & 1, method & 2, 20000, 1e-15, 0);
+      EXPECT_NE(why, osMaxIterations);
+      ExpectNear(x, c);
+    }
+}
+
 // Misra1a: y = b1 (1 - exp(-b2 x)); the data come in as objects, the derivatives as J'r and J'J.
 double Misra(Cs b, Cs, Objs o) {
   const auto &x = dynamic_cast<const TVec&>(*o[0]), &y = dynamic_cast<const TVec&>(*o[1]);
@@ -243,6 +264,7 @@ void WrongSize(TOptObjective, Cs, Cs, Objs, TVec& g, TMtx& h) {
   g.Size(1);
   h.Size(2, 2);
 }
+void WrongGrad(TOptObjective, Cs, Cs, Objs, TVec& g) { g.Size(1); }
 
 TEST(Optimisers, RejectBadCalls) {
   std::vector<double> x = {1, 2, 3}, none;
@@ -268,6 +290,9 @@ TEST(Optimisers, RejectBadCalls) {
       {"Invalid parameter", marquardt(NumericGradHess, 0, 0, INF), "infinite damping"},
       {"Invalid parameter", marquardt(nullptr, 0, 0, 0.01), "no gradient procedure"},
       {"Size mismatch", marquardt(WrongSize, 0, 0, 0.01), "gradient of the wrong length"},
+      {"Invalid parameter", [&] { BFGS(Smooth, nullptr, x, {}, {}, f, cov, why, false, true, 10, 0, 0); }, "no gradient"},
+      {"Invalid parameter", [&] { BFGS(Smooth, WrongGrad, x, {}, {}, f, cov, why, false, true, 10, 0, -1); }, "BFGS GradTol"},
+      {"Size mismatch", [&] { BFGS(Smooth, WrongGrad, x, {}, {}, f, cov, why, false, true, 10, 0, 0); }, "short gradient"},
       {"Empty vector", [&] { NumericGradHess(Smooth, none, {}, {}, g, h); }, "numeric derivative of nothing"},
       {"Invalid parameter", [&] {
          GradStepSize = 0;
