@@ -26,8 +26,9 @@ using TOptObjective = double (*)(std::span<const double> Pars, std::span<const d
 
 /// \brief Gradient procedure of Marquardt: fills Grad (length n) and Hess (n x n) at Pars.
 /// It is called right after the objective was evaluated at the same Pars.
-using TOptGradHessProc = void (*)(TOptObjective Fun, std::span<const double> Pars, std::span<const double> Consts,
-                                  std::span<TObject* const> Objects, TVec& Grad, TMtx& Hess);
+using TOptGradHessProc = void (*)(TOptObjective Fun, std::span<const double> Pars,
+                                  std::span<const double> Consts, std::span<TObject* const> Objects,
+                                  TVec& Grad, TMtx& Hess);
 
 /// \brief Gradient procedure of BFGS: fills Grad (length n) at Pars, right after the
 /// objective was evaluated at the same Pars.
@@ -36,11 +37,12 @@ using TOptGradProc = void (*)(TOptObjective Fun, std::span<const double> Pars, s
 
 /// \brief Which optimiser a host selects (ordinals 0..5).
 enum TOptMethod : std::uint8_t { optSimplex, optMarquardt, optBFGS, optDFP, optConjGradFR, optConjGradPR };
-inline constexpr std::array<std::string_view, 6> TOptMethodNames{"optSimplex", "optMarquardt",  "optBFGS",
-                                                                 "optDFP",     "optConjGradFR", "optConjGradPR"};
+inline constexpr std::array<std::string_view, 6> TOptMethodNames{
+    "optSimplex", "optMarquardt", "optBFGS", "optDFP", "optConjGradFR", "optConjGradPR"};
 
 /// \brief Why an optimiser stopped.
-/// - osSmallGradient: the scaled gradient (Marquardt, BFGS) max_i |g_i| max(|x_i|, 1) fell to GradTol max(|f|, 1) or below;
+/// - osSmallGradient: the scaled gradient max_i |g_i| max(|x_i|, 1) fell to GradTol max(|f|, 1) or
+///   below (Marquardt, BFGS);
 /// - osSmallStep: the last step changed every parameter by at most Tol max(|x_i|, 1) (Marquardt), or the
 ///   simplex shrank to that size with its function values within Tol max(|f_best|, 1) (Simplex);
 /// - osSmallChange: a line search step lowered the objective by no more than 4 eps |f|, rounding
@@ -74,8 +76,9 @@ extern STATKIT_API std::atomic<double> GradStepSize;
 /// twice (Richardson, removing the h^2 and h^4 terms); each off-diagonal element is the four-point
 /// central difference (f(++) - f(+-) - f(-+) + f(--)) / (4 h_i h_j). Hess is symmetric. Costs
 /// 1 + 6n + 2n(n - 1) evaluations. Empty Pars raise "Empty vector".
-STATKIT_API void NumericGradHess(TOptObjective Fun, std::span<const double> Pars, std::span<const double> Consts,
-                                 std::span<TObject* const> Objects, TVec& Grad, TMtx& Hess);
+STATKIT_API void NumericGradHess(TOptObjective Fun, std::span<const double> Pars,
+                                 std::span<const double> Consts, std::span<TObject* const> Objects,
+                                 TVec& Grad, TMtx& Hess);
 
 /// \brief Nelder-Mead simplex minimisation (Lagarias, Reeds, Wright and Wright 1998) with the
 /// dimension-dependent coefficients of Gao and Han (2012): reflection 1, expansion 1 + 2/n,
@@ -92,8 +95,8 @@ STATKIT_API void NumericGradHess(TOptObjective Fun, std::span<const double> Pars
 /// MaxIter < 0, Tol negative or NaN, or a null objective raise "Invalid parameter"; empty Pars
 /// raise "Empty vector".
 STATKIT_API int Simplex(TOptObjective Fun, std::span<double> Pars, std::span<const double> Consts,
-                        std::span<TObject* const> Objects, double& FMin, TOptStopReason& StopReason, int MaxIter,
-                        double Tol, std::vector<std::string>* Log = nullptr);
+                        std::span<TObject* const> Objects, double& FMin, TOptStopReason& StopReason,
+                        int MaxIter, double Tol, std::vector<std::string>* Log = nullptr);
 
 /// \brief Levenberg-Marquardt minimisation (Levenberg 1944, Marquardt 1963) with diagonal scaling.
 ///
@@ -143,9 +146,9 @@ STATKIT_API int Marquardt(TOptObjective Fun, TOptGradHessProc GradHess, std::spa
 /// point, FMin its objective and InvHess the final inverse-Hessian model. MaxIter < 0, Tol or
 /// GradTol negative or NaN, or a null callback raise "Invalid parameter"; empty Pars raise "Empty
 /// vector"; a gradient of the wrong length raises "Size mismatch".
-STATKIT_API int BFGS(TOptObjective Fun, TOptGradProc GradProc, std::span<double> Pars, std::span<const double> Consts,
-                     std::span<TObject* const> Objects, double& FMin, TMtx& InvHess, TOptStopReason& StopReason,
-                     bool DFP, bool SoftLineSearch, int MaxIter, double Tol, double GradTol,
-                     std::vector<std::string>* Log = nullptr);
+STATKIT_API int BFGS(TOptObjective Fun, TOptGradProc GradProc, std::span<double> Pars,
+                     std::span<const double> Consts, std::span<TObject* const> Objects, double& FMin,
+                     TMtx& InvHess, TOptStopReason& StopReason, bool DFP, bool SoftLineSearch, int MaxIter,
+                     double Tol, double GradTol, std::vector<std::string>* Log = nullptr);
 
 }  // namespace statkit

@@ -1,4 +1,5 @@
-// Quasi-Newton minimisation (BFGS, DFP) on a line search for the strong Wolfe conditions (Nocedal and Wright 2006, algorithms 3.5, 3.6).
+// Quasi-Newton minimisation (BFGS, DFP) on a line search for the strong Wolfe conditions
+// (Nocedal and Wright 2006, algorithms 3.5, 3.6).
 
 #include <algorithm>
 #include <cmath>
@@ -64,7 +65,8 @@ bool WolfeSearch(Problem& pr, Vec& x, double& f, Vec& g, const Vec& p, double a1
   for (int k = 0; k < 40; ++k) {
     double d;
     const double fa = phi(a, d);
-    if (!std::isfinite(fa) || std::isnan(d) || fa > f0 + c1 * a * d0 || (bracketed ? fa >= fLo : k > 0 && fa >= fLo)) {
+    if (!std::isfinite(fa) || std::isnan(d) || fa > f0 + c1 * a * d0 ||
+        (bracketed ? fa >= fLo : k > 0 && fa >= fLo)) {
       hi = a, fHi = fa, bracketed = true;
     } else {
       if (std::fabs(d) <= -c2 * d0) return accept();
@@ -81,7 +83,8 @@ bool WolfeSearch(Problem& pr, Vec& x, double& f, Vec& g, const Vec& p, double a1
     double t = std::isfinite(fHi) && den > 0 ? lo - dLo * w * w / den : lo + w / 2;
     const double a0 = std::min(lo, hi) + 0.1 * std::fabs(w), b0 = std::max(lo, hi) - 0.1 * std::fabs(w);
     a = std::clamp(t, a0, b0);
-    if (std::fabs(w) <= std::numeric_limits<double>::epsilon() * std::max(std::fabs(lo), std::fabs(hi))) break;
+    if (std::fabs(w) <= std::numeric_limits<double>::epsilon() * std::max(std::fabs(lo), std::fabs(hi)))
+      break;
   }
   if (lo == 0) return false;
   for (std::size_t i = 0; i < n; ++i) xt[i] = x[i] + lo * p[i];
@@ -93,7 +96,8 @@ bool WolfeSearch(Problem& pr, Vec& x, double& f, Vec& g, const Vec& p, double a1
 
 bool SmallGradient(const Vec& g, const Vec& x, double f, double GradTol) {
   double m = 0;
-  for (std::size_t i = 0; i < g.size(); ++i) m = std::max(m, std::fabs(g[i]) * std::max(std::fabs(x[i]), 1.0));
+  for (std::size_t i = 0; i < g.size(); ++i)
+    m = std::max(m, std::fabs(g[i]) * std::max(std::fabs(x[i]), 1.0));
   return m <= GradTol * std::max(std::fabs(f), 1.0);
 }
 
@@ -110,17 +114,19 @@ void Note(std::vector<std::string>* Log, const char* who, int iter, double f) {
   Log->emplace_back(line);
 }
 
-void Check(TOptObjective Fun, TOptGradProc Grad, std::span<double> Pars, int MaxIter, double Tol, double GradTol) {
-  if (Fun == nullptr || Grad == nullptr || MaxIter < 0 || !(Tol >= 0) || !(GradTol >= 0)) ERaise(msg::InvalidParameter);
+void Check(TOptObjective Fun, TOptGradProc Grad, std::span<double> Pars, int MaxIter, double Tol,
+           double GradTol) {
+  if (Fun == nullptr || Grad == nullptr || MaxIter < 0 || !(Tol >= 0) || !(GradTol >= 0))
+    ERaise(msg::InvalidParameter);
   if (Pars.empty()) ERaise(msg::EmptyVector);
 }
 
 // The common loop: direction(g, p, steepest) gives the search direction (steepest: it is -g, a restart);
 // update(s, y, p, restart) learns from the step s = x_new - x, y = g_new - g along p, or restarts the model.
 template <class Direction, class Update>
-int Descend(Problem& pr, std::span<double> Pars, double& FMin, TOptStopReason& StopReason, int MaxIter, double Tol,
-            double GradTol, double c2, const char* who, std::vector<std::string>* Log, Direction direction,
-            Update update) {
+int Descend(Problem& pr, std::span<double> Pars, double& FMin, TOptStopReason& StopReason, int MaxIter,
+            double Tol, double GradTol, double c2, const char* who, std::vector<std::string>* Log,
+            Direction direction, Update update) {
   const std::size_t n = Pars.size();
   Vec x, g, xOld, gOld, p, s, y;
   detail::RaisingOutOfMemory([&] {
@@ -156,7 +162,8 @@ int Descend(Problem& pr, std::span<double> Pars, double& FMin, TOptStopReason& S
     for (double v : p) pmax = std::max(pmax, std::fabs(v));
     const double dp = Dot(g, p);
     double a1 = 1;
-    if (steepest) a1 = lastDecrease > 0 ? std::min(1.01 * lastDecrease / -dp, 1e300) : std::min(1.0, 1 / pmax);
+    if (steepest)
+      a1 = lastDecrease > 0 ? std::min(1.01 * lastDecrease / -dp, 1e300) : std::min(1.0, 1 / pmax);
     xOld = x, gOld = g;
     const double fOld = f;
     int evals = 0;
@@ -211,19 +218,21 @@ int BFGS(TOptObjective Fun, TOptGradProc GradProc, std::span<double> Pars, std::
   };
   reset();
   auto direction = [&](const Vec& g, Vec& p, bool& steepest) {
-    for (std::size_t i = 0; i < n; ++i) p[i] = -std::inner_product(g.begin(), g.end(), H.begin() + i * n, 0.0);
+    for (std::size_t i = 0; i < n; ++i)
+      p[i] = -std::inner_product(g.begin(), g.end(), H.begin() + i * n, 0.0);
     steepest = identity;
   };
   auto update = [&](const Vec& s, const Vec& y, const Vec&, bool restart) {
     const double sy = Dot(s, y);
     if (restart) return reset();
     if (!(sy > 0)) return;  // curvature condition fails (only possible after a rounding-level step): keep H
-    if (identity) {  // scale the first model to the observed curvature (Nocedal and Wright 6.20)
+    if (identity) {         // scale the first model to the observed curvature (Nocedal and Wright 6.20)
       const double scale = sy / Dot(y, y);
       for (std::size_t i = 0; i < n; ++i) H[i * n + i] = scale;
       identity = false;
     }
-    for (std::size_t i = 0; i < n; ++i) Hy[i] = std::inner_product(y.begin(), y.end(), H.begin() + i * n, 0.0);
+    for (std::size_t i = 0; i < n; ++i)
+      Hy[i] = std::inner_product(y.begin(), y.end(), H.begin() + i * n, 0.0);
     const double yHy = Dot(y, Hy);
     for (std::size_t i = 0; i < n; ++i)
       for (std::size_t j = 0; j < n; ++j) {

@@ -84,11 +84,12 @@ double Raise(double lambda) { return std::max(10 * lambda, 1e-12); }
 
 }  // namespace
 
-int Marquardt(TOptObjective Fun, TOptGradHessProc GradHess, std::span<double> Pars, std::span<const double> Consts,
-              std::span<TObject* const> Objects, double& FMin, TMtx& VarCovar, TOptStopReason& StopReason,
-              int MaxIter, double Tol, double GradTol, double Lambda0, std::vector<std::string>* Log) {
-  if (Fun == nullptr || GradHess == nullptr || MaxIter < 0 || !(Tol >= 0) || !(GradTol >= 0) || !(Lambda0 > 0) ||
-      !std::isfinite(Lambda0))
+int Marquardt(TOptObjective Fun, TOptGradHessProc GradHess, std::span<double> Pars,
+              std::span<const double> Consts, std::span<TObject* const> Objects, double& FMin, TMtx& VarCovar,
+              TOptStopReason& StopReason, int MaxIter, double Tol, double GradTol, double Lambda0,
+              std::vector<std::string>* Log) {
+  if (Fun == nullptr || GradHess == nullptr || MaxIter < 0 || !(Tol >= 0) || !(GradTol >= 0) ||
+      !(Lambda0 > 0) || !std::isfinite(Lambda0))
     ERaise(msg::InvalidParameter);
   if (Pars.empty()) ERaise(msg::EmptyVector);
   const std::size_t n = Pars.size();
@@ -110,7 +111,8 @@ int Marquardt(TOptObjective Fun, TOptGradHessProc GradHess, std::span<double> Pa
   auto derive = [&] {
     GradHess(Fun, x, Consts, Objects, G, Hm);
     detail::RequireReal(G, Hm);
-    if (G.Length() != static_cast<int>(n) || Hm.Rows() != static_cast<int>(n) || Hm.Cols() != static_cast<int>(n))
+    if (G.Length() != static_cast<int>(n) || Hm.Rows() != static_cast<int>(n) ||
+        Hm.Cols() != static_cast<int>(n))
       ERaise(msg::SizeMismatch);
     std::copy(G.data(), G.data() + n, g.begin());
     std::copy(Hm.data(), Hm.data() + n * n, H.begin());
@@ -142,7 +144,8 @@ int Marquardt(TOptObjective Fun, TOptGradHessProc GradHess, std::span<double> Pa
   if (!haveDerivs) StopReason = osNotFinite;
   while (haveDerivs) {
     double gmax = 0;
-    for (std::size_t i = 0; i < n; ++i) gmax = std::max(gmax, std::fabs(g[i]) * std::max(std::fabs(x[i]), 1.0));
+    for (std::size_t i = 0; i < n; ++i)
+      gmax = std::max(gmax, std::fabs(g[i]) * std::max(std::fabs(x[i]), 1.0));
     if (gmax <= GradTol * std::max(std::fabs(f), 1.0)) {
       StopReason = osSmallGradient;
       break;
@@ -193,10 +196,8 @@ int Marquardt(TOptObjective Fun, TOptGradHessProc GradHess, std::span<double> Pa
   }
   // The caller's matrix at the returned point, inverted as it is (either sign).
   detail::RaisingOutOfMemory([&] {
-    if (haveDerivs && std::isfinite(f))
-      InvertOrNan(H, n, inv);
-    else
-      inv.assign(n * n, NAN);
+    if (haveDerivs && std::isfinite(f)) InvertOrNan(H, n, inv);
+    else inv.assign(n * n, NAN);
   });
   VarCovar.Size(static_cast<int>(n), static_cast<int>(n));
   std::copy(inv.begin(), inv.end(), VarCovar.data());

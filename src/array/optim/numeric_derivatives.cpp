@@ -15,7 +15,9 @@ namespace {
 
 // Two levels of Richardson extrapolation of central differences at h, 2h, 4h
 // whose error series holds only even powers of h: removes the h^2 and h^4 terms.
-double Extrapolate(double d1, double d2, double d3) { return d1 + 0.4 * (d1 - d2) + ((d1 - d2) - (d2 - d3)) / 45.0; }
+double Extrapolate(double d1, double d2, double d3) {
+  return d1 + 0.4 * (d1 - d2) + ((d1 - d2) - (d2 - d3)) / 45.0;
+}
 
 }  // namespace
 
@@ -59,7 +61,8 @@ void NumericGradHess(TOptObjective Fun, std::span<const double> Pars, std::span<
   }
   for (int i = 0; i < n; ++i)
     for (int j = i + 1; j < n; ++j) {
-      const double v = ((at(i, h[i], j, h[j]) - at(i, h[i], j, -h[j])) - (at(i, -h[i], j, h[j]) - at(i, -h[i], j, -h[j]))) /
+      const double v = ((at(i, h[i], j, h[j]) - at(i, h[i], j, -h[j])) -
+                        (at(i, -h[i], j, h[j]) - at(i, -h[i], j, -h[j]))) /
                        (4 * h[i] * h[j]);
       H[static_cast<std::size_t>(i) * n + j] = v;
       H[static_cast<std::size_t>(j) * n + i] = v;

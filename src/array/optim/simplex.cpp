@@ -30,8 +30,8 @@ void Note(std::vector<std::string>* Log, const char* what, int iter, double f) {
 }  // namespace
 
 int Simplex(TOptObjective Fun, std::span<double> Pars, std::span<const double> Consts,
-            std::span<TObject* const> Objects, double& FMin, TOptStopReason& StopReason, int MaxIter, double Tol,
-            std::vector<std::string>* Log) {
+            std::span<TObject* const> Objects, double& FMin, TOptStopReason& StopReason, int MaxIter,
+            double Tol, std::vector<std::string>* Log) {
   if (Fun == nullptr || MaxIter < 0 || !(Tol >= 0)) ERaise(msg::InvalidParameter);
   if (Pars.empty()) ERaise(msg::EmptyVector);
   const std::size_t n = Pars.size();

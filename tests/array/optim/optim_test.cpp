@@ -24,13 +24,20 @@ using Cs = std::span<const double>;
 std::vector<double> MghResiduals(Cs x, Cs c) {
   std::vector<double> r;
   switch (static_cast<int>(c[0])) {
-    case 0: r = {10 * (x[1] - x[0] * x[0]), 1 - x[0]}; break;
+    case 0:
+      r = {10 * (x[1] - x[0] * x[0]), 1 - x[0]};
+      break;
     case 1:
-      for (int i = 1; i <= 3; ++i) r.push_back(std::vector{1.5, 2.25, 2.625}[i - 1] - x[0] * (1 - std::pow(x[1], i)));
+      for (int i = 1; i <= 3; ++i)
+        r.push_back(std::vector{1.5, 2.25, 2.625}[i - 1] - x[0] * (1 - std::pow(x[1], i)));
       break;
     case 2:
-      r = {10 * (x[1] - x[0] * x[0]), 1 - x[0], std::sqrt(90) * (x[3] - x[2] * x[2]), 1 - x[2],
-           std::sqrt(10) * (x[1] + x[3] - 2), (x[1] - x[3]) / std::sqrt(10)};
+      r = {10 * (x[1] - x[0] * x[0]),
+           1 - x[0],
+           std::sqrt(90) * (x[3] - x[2] * x[2]),
+           1 - x[2],
+           std::sqrt(10) * (x[1] + x[3] - 2),
+           (x[1] - x[3]) / std::sqrt(10)};
       break;
     case 3: {
       const double t = std::atan(x[1] / x[0]) / (2 * std::numbers::pi) + (x[0] < 0 ? 0.5 : 0);
@@ -146,14 +153,16 @@ void MisraGaussNewton(TOptObjective, Cs b, Cs, Objs o, TVec& g, TMtx& h) {
 // its derivatives in the likelihood's own sign (score and negative definite Hessian).
 double LogitNegLogLik(Cs b, Cs c, Objs) {
   double s = 0;
-  for (int x = 0; x < 2; ++x) s += c[2 * x] * std::log1p(std::exp(b[0] + b[1] * x)) - c[2 * x + 1] * (b[0] + b[1] * x);
+  for (int x = 0; x < 2; ++x)
+    s += c[2 * x] * std::log1p(std::exp(b[0] + b[1] * x)) - c[2 * x + 1] * (b[0] + b[1] * x);
   return s;
 }
 void LogitScore(TOptObjective, Cs b, Cs c, Objs, TVec& g, TMtx& h) {
   g = TVec{0.0, 0.0};
   h = TMtx{{0, 0}, {0, 0}};
   for (int x = 0; x < 2; ++x) {
-    const double p = 1 / (1 + std::exp(-(b[0] + b[1] * x))), w = c[2 * x] * p * (1 - p), z[2] = {1.0, double(x)};
+    const double p = 1 / (1 + std::exp(-(b[0] + b[1] * x))), w = c[2 * x] * p * (1 - p),
+                 z[2] = {1.0, double(x)};
     for (int k = 0; k < 2; ++k) {
       g[k] += (c[2 * x + 1] - c[2 * x] * p) * z[k];
       for (int l = 0; l < 2; ++l) h(k, l) -= w * z[k] * z[l];
@@ -180,7 +189,8 @@ TEST(Marquardt, MinimisesStandardProblemsAndBothSignConventions) {
   TObject* objs[] = {&mx, &my};
   std::vector<double> b = {500, 1e-4};
   Marquardt(Misra, MisraGaussNewton, b, {}, objs, fmin, cov, why, 500, 1e-12, 0, 0.01);
-  for (int k = 0; k < 2; ++k) EXPECT_GE(-std::log10(std::fabs(b[k] / misra.estimates[k] - 1)), 6) << "Misra1a b" << k;
+  for (int k = 0; k < 2; ++k)
+    EXPECT_GE(-std::log10(std::fabs(b[k] / misra.estimates[k] - 1)), 6) << "Misra1a b" << k;
   // Closed form: b0 = logit(3/10), b1 = logit(7/10) - b0; the inverse of the (negative) Hessian is
   // minus the covariance 1 / (n p (1 - p)) per group. A step is taken only when it lowers the objective,
   // which is flat to rounding within about sqrt(eps) of the maximum: hence 1e-9.
@@ -196,16 +206,19 @@ TEST(Marquardt, MinimisesStandardProblemsAndBothSignConventions) {
 }
 
 // exp(a) sin(b) + a^3 b^2 c: the default step gives the gradient to 1e-10 and the Hessian to 1e-6 relative.
-double Smooth(Cs x, Cs, Objs) { return std::exp(x[0]) * std::sin(x[1]) + x[0] * x[0] * x[0] * x[1] * x[1] * x[2]; }
+double Smooth(Cs x, Cs, Objs) {
+  return std::exp(x[0]) * std::sin(x[1]) + x[0] * x[0] * x[0] * x[1] * x[1] * x[2];
+}
 
 TEST(NumericGradHess, MatchesAnalyticDerivatives) {
   for (const auto& p : std::vector<std::vector<double>>{{0, 1, 2}, {1.5, -0.5, 0}, {3, 20, -1e3}}) {
     const double a = p[0], b = p[1], c = p[2], e = std::exp(a);
     const double g[3] = {e * std::sin(b) + 3 * a * a * b * b * c, e * std::cos(b) + 2 * a * a * a * b * c,
                          a * a * a * b * b};
-    const double h[3][3] = {{e * std::sin(b) + 6 * a * b * b * c, e * std::cos(b) + 6 * a * a * b * c, 3 * a * a * b * b},
-                            {0, -e * std::sin(b) + 2 * a * a * a * c, 2 * a * a * a * b},
-                            {0, 0, 0}};
+    const double h[3][3] = {
+        {e * std::sin(b) + 6 * a * b * b * c, e * std::cos(b) + 6 * a * a * b * c, 3 * a * a * b * b},
+        {0, -e * std::sin(b) + 2 * a * a * a * c, 2 * a * a * a * b},
+        {0, 0, 0}};
     TVec G;
     TMtx H;
     NumericGradHess(Smooth, p, {}, {}, G, H);
@@ -246,16 +259,16 @@ TEST(Optimisers, ReportWhyTheyStop) {
     double f = 0;
     TOptStopReason why{};
     TMtx cov;
-    const int iters = r.simplex ? Simplex(r.fun, x, consts, {}, f, why, r.maxIter, 1e-8)
-                                : Marquardt(r.fun, NumericGradHess, x, consts, {}, f, cov, why, r.maxIter, 1e-8, 0, 0.01);
+    const int iters =
+        r.simplex ? Simplex(r.fun, x, consts, {}, f, why, r.maxIter, 1e-8)
+                  : Marquardt(r.fun, NumericGradHess, x, consts, {}, f, cov, why, r.maxIter, 1e-8, 0, 0.01);
     EXPECT_EQ(TOptStopReasonNames[why], TOptStopReasonNames[r.why]) << r.label;
     EXPECT_EQ(iters, r.iters) << r.label;
     if (r.fmin == -INF)  // the expanding simplex runs off towards -INF
       EXPECT_LT(f, -1e50) << r.label;
     else if (std::isinf(r.fmin) || std::isnan(r.fmin))
       EXPECT_EQ(std::to_string(f), std::to_string(r.fmin)) << r.label;
-    else
-      EXPECT_NEAR(f, r.fmin, 1e-12) << r.label;
+    else EXPECT_NEAR(f, r.fmin, 1e-12) << r.label;
   }
 }
 
@@ -276,7 +289,9 @@ TEST(Optimisers, RejectBadCalls) {
     return [&, fun, maxIter, tol] { Simplex(fun, p, {}, {}, f, why, maxIter, tol); };
   };
   const auto marquardt = [&](TOptGradHessProc gh, double tol, double gradTol, double lambda) {
-    return [&, gh, tol, gradTol, lambda] { Marquardt(Smooth, gh, x, {}, {}, f, cov, why, 10, tol, gradTol, lambda); };
+    return [&, gh, tol, gradTol, lambda] {
+      Marquardt(Smooth, gh, x, {}, {}, f, cov, why, 10, tol, gradTol, lambda);
+    };
   };
   const RaiseCase table[] = {
       {"Invalid parameter", simplex(x, Mgh, -1, 1e-8), "negative MaxIter"},
@@ -290,15 +305,22 @@ TEST(Optimisers, RejectBadCalls) {
       {"Invalid parameter", marquardt(NumericGradHess, 0, 0, INF), "infinite damping"},
       {"Invalid parameter", marquardt(nullptr, 0, 0, 0.01), "no gradient procedure"},
       {"Size mismatch", marquardt(WrongSize, 0, 0, 0.01), "gradient of the wrong length"},
-      {"Invalid parameter", [&] { BFGS(Smooth, nullptr, x, {}, {}, f, cov, why, false, true, 10, 0, 0); }, "no gradient"},
-      {"Invalid parameter", [&] { BFGS(Smooth, WrongGrad, x, {}, {}, f, cov, why, false, true, 10, 0, -1); }, "BFGS GradTol"},
-      {"Size mismatch", [&] { BFGS(Smooth, WrongGrad, x, {}, {}, f, cov, why, false, true, 10, 0, 0); }, "short gradient"},
+      {"Invalid parameter", [&] { BFGS(Smooth, nullptr, x, {}, {}, f, cov, why, false, true, 10, 0, 0); },
+       "no gradient"},
+      {"Invalid parameter", [&] { BFGS(Smooth, WrongGrad, x, {}, {}, f, cov, why, false, true, 10, 0, -1); },
+       "BFGS GradTol"},
+      {"Size mismatch", [&] { BFGS(Smooth, WrongGrad, x, {}, {}, f, cov, why, false, true, 10, 0, 0); },
+       "short gradient"},
       {"Empty vector", [&] { NumericGradHess(Smooth, none, {}, {}, g, h); }, "numeric derivative of nothing"},
-      {"Invalid parameter", [&] {
+      {"Invalid parameter",
+       [&] {
          GradStepSize = 0;
-         struct Restore { ~Restore() { GradStepSize = 1e-4; } } restore;
+         struct Restore {
+           ~Restore() { GradStepSize = 1e-4; }
+         } restore;
          NumericGradHess(Smooth, x, {}, {}, g, h);
-       }, "zero step"},
+       },
+       "zero step"},
   };
   ExpectEachRaises(table);
 }
