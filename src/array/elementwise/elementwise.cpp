@@ -557,7 +557,8 @@ double TDenseKalpa::Min() const {
 void TDenseKalpa::SelectRanks(int First, std::span<double> Dst) const {
   detail::RequireReal(*this);
   if (Dst.empty()) return;
-  if (First < 0 || Dst.size() > static_cast<std::size_t>(Length() - First)) ERaise(msg::IndexOutOfRange);
+  if (First < 0 || First > Length() || Dst.size() > static_cast<std::size_t>(Length() - First))
+    ERaise(msg::IndexOutOfRange);
   detail::SelectRanks(data(), Length(), First, Dst.size(), Dst.data());
 }
 

@@ -143,6 +143,7 @@ TEST(Storage, OutOfRangeOverflowingAndMismatchedCallsRaise) {
       {"Index out of range", [&] { TVec c; c.GetCol(m, -1); }},
       {"Index out of range", [&] { view.SetSubRange(v, 3, 2); }},
       {"Index out of range", [&] { v.SetSubIndex(3, 5); }},
+      {"Index out of range", [&] { double d[1]; v.SelectRanks(4, d); }},  // First past the end
       {"Index out of range", [&] { v.SetSubIndex(0, INT_MAX); }},
       {"Index out of range", [&] { v.SetSubIndex(-1, INT_MAX); }},
       {"Index out of range", [&] { v.SetSubIndex(INT_MIN, 0); }},
