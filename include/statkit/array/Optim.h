@@ -151,4 +151,22 @@ STATKIT_API int BFGS(TOptObjective Fun, TOptGradProc GradProc, std::span<double>
                      TMtx& InvHess, TOptStopReason& StopReason, bool DFP, bool SoftLineSearch, int MaxIter,
                      double Tol, double GradTol, std::vector<std::string>* Log = nullptr);
 
+/// \brief Nonlinear conjugate-gradient minimisation (Nocedal and Wright 2006, chapter 5): the
+/// Fletcher-Reeves update when \p FletcherReeves is true, else Polak-Ribiere (with beta = max(beta, 0),
+/// PR+). Each step is a line search along the conjugate direction for the strong Wolfe conditions
+/// (c1 = 1e-4; c2 = 0.1 for an accurate search, 0.45 when \p SoftLineSearch, the largest c2 that keeps
+/// Fletcher-Reeves directions descending), starting from a step that repeats the previous decrease. The
+/// direction restarts along -g every n iterations, when it does not descend, and after a failed search;
+/// a failed steepest-descent search stops with osSmallStep.
+///
+/// Stopping as BFGS: osNotFinite, osSmallGradient, osSmallStep, osSmallChange, osMaxIterations.
+///
+/// \return the number of iterations (line searches), at most MaxIter. Pars receives the best point and
+/// FMin its objective. MaxIter < 0, Tol or GradTol negative or NaN, or a null callback raise "Invalid
+/// parameter"; empty Pars raise "Empty vector"; a gradient of the wrong length raises "Size mismatch".
+STATKIT_API int ConjGrad(TOptObjective Fun, TOptGradProc GradProc, std::span<double> Pars,
+                         std::span<const double> Consts, std::span<TObject* const> Objects, double& FMin,
+                         TOptStopReason& StopReason, bool FletcherReeves, bool SoftLineSearch, int MaxIter,
+                         double Tol, double GradTol, std::vector<std::string>* Log = nullptr);
+
 }  // namespace statkit
