@@ -24,6 +24,15 @@ namespace statkit {
 using TOptObjective = double (*)(std::span<const double> Pars, std::span<const double> Consts,
                                  std::span<TObject* const> Objects);
 
+/// \brief The object that a callback receives back as a \p T (a checked cast): a null pointer or an
+/// object of another class raises "Invalid parameter".
+template <class T>
+T& ObjectAs(TObject* Object) {
+  T* t = dynamic_cast<T*>(Object);
+  if (t == nullptr) ERaise(msg::InvalidParameter);
+  return *t;
+}
+
 /// \brief Gradient procedure of Marquardt: fills Grad (length n) and Hess (n x n) at Pars.
 /// It is called right after the objective was evaluated at the same Pars.
 using TOptGradHessProc = void (*)(TOptObjective Fun, std::span<const double> Pars,
@@ -88,7 +97,8 @@ STATKIT_API void NumericGradHess(TOptObjective Fun, std::span<const double> Pars
 /// It has converged when every vertex lies within Tol max(|x_best,i|, 1) of the best vertex in every
 /// coordinate and every function value within Tol max(|f_best|, 1) of the best one. On convergence
 /// it restarts from the best vertex with a fresh start simplex, and stops (osSmallStep) when a restart
-/// no longer lowers the best value. A NaN objective value counts as +INF.
+/// no longer lowers the best value. A NaN objective value counts as +INF. A Tol within a few eps of
+/// rounding (1e-15 in ten dimensions) may never be met: the run then ends at MaxIter.
 ///
 /// \return the number of iterations (reflection steps and restarts) used, at most MaxIter. Pars receives the
 /// best vertex and FMin its value; MaxIter = 0 evaluates the start only (osMaxIterations).
@@ -133,8 +143,9 @@ STATKIT_API int Marquardt(TOptObjective Fun, TOptGradHessProc GradHess, std::spa
 /// \brief Quasi-Newton minimisation: BFGS, or DFP when \p DFP is true (Nocedal and Wright 2006,
 /// chapter 6). The inverse-Hessian model starts as the identity, is rescaled by s'y / y'y before the
 /// first update, and is kept when a step fails the curvature condition s'y > 0. Each step is a line
-/// search along -H g for the strong Wolfe conditions (c1 = 1e-4; c2 = 0.9 when \p SoftLineSearch,
-/// an accurate search with c2 = 0.01 otherwise; at most 40 evaluations), starting at the full step.
+/// search along -H g for the strong Wolfe conditions (c1 = 1e-4; c2 = 0.9 when \p SoftLineSearch, 0.2
+/// for DFP, whose update does not correct itself after loose searches; an accurate search with c2 = 0.01
+/// otherwise; at most 40 evaluations), starting at the full step.
 /// A direction that does not descend, or a failed search, restarts from the identity (steepest
 /// descent); a failed steepest-descent search stops with osSmallStep.
 ///
