@@ -304,6 +304,69 @@ STATKIT_API void RandomUniformD(int N, TDenseKalpa& Results);
 /// (scale a^(-1/b) in the usual form).
 STATKIT_API void RandomWeibull(double a, double b, TDenseKalpa& Results);
 
+// --- distribution fitting -------------------------------------------------------
+// Intervals are written through pointers to two doubles (lower, upper) at level 1 - Alpha. The beta,
+// gamma and Weibull fits maximise the likelihood by Simplex with the caller's MaxIter and Tolerance and
+// report the best point reached; their intervals are normal, from the standard errors of the scores.
+
+/// \brief Beta shapes a, b by maximum likelihood, started from the geometric means of X and 1 - X.
+STATKIT_API void BetaFit(const TVec& X, double& a, double& b, int MaxIter, double Tolerance);
+/// \brief BetaFit with intervals for a and b.
+STATKIT_API void BetaFit(const TVec& X, double& a, double& b, double* ConfIntA, double* ConfIntB, int MaxIter,
+                         double Tolerance, double Alpha);
+/// \brief Success probabilities P = X / n of \p n trials each.
+STATKIT_API void BinomFit(const TVec& X, double n, TVec& P);
+/// \brief Success probabilities P = X / n with a trial count per observation.
+STATKIT_API void BinomFit(const TVec& X, const TVec& n, TVec& P);
+/// \brief BinomFit with exact (Clopper-Pearson) limits per observation: PLow = 0 where x = 0, PHigh = 1
+/// where x = n.
+STATKIT_API void BinomFit(const TVec& X, double n, TVec& P, TVec& PLow, TVec& PHigh, double Alpha);
+/// \brief Exponential mean.
+STATKIT_API void ExponentFit(const TVec& X, double& mu);
+/// \brief Exponential mean with the quantiles of its gamma(n, mu/n) law at the estimate.
+STATKIT_API void ExponentFit(const TVec& X, double& mu, double* ConfInt, double Alpha);
+/// \brief Gamma shape a and scale b by maximum likelihood, started from the moments.
+STATKIT_API void GammaFit(const TVec& X, double& a, double& b, int MaxIter, double Tolerance);
+/// \brief GammaFit with intervals for a and b.
+STATKIT_API void GammaFit(const TVec& X, double& a, double& b, double* ConfIntA, double* ConfIntB, int MaxIter,
+                          double Tolerance, double Alpha);
+/// \brief Geometric success probability p = 1 / (mean + 1) of counts of failures.
+STATKIT_API void GeometricFit(const TVec& X, double& p);
+/// \brief GeometricFit with an interval for the mean count of failures (negative binomial quantiles / n).
+STATKIT_API void GeometricFit(const TVec& X, double& p, double* ConfInt, double Alpha);
+/// \brief Mean and standard deviation of ln X.
+STATKIT_API void LogNormalFit(const TVec& X, double& mu, double& sigma);
+/// \brief LogNormalFit with the t interval of mu and the chi-square interval of sigma.
+STATKIT_API void LogNormalFit(const TVec& X, double& mu, double& sigma, double* ConfIntMu, double* ConfIntSigma,
+                              double Alpha);
+/// \brief Mean and sample standard deviation.
+STATKIT_API void NormalFit(const TVec& X, double& mu, double& sigma);
+/// \brief NormalFit with the t interval of mu and the chi-square interval of sigma.
+STATKIT_API void NormalFit(const TVec& X, double& mu, double& sigma, double* ConfIntMu, double* ConfIntSigma,
+                           double Alpha);
+/// \brief Poisson mean.
+STATKIT_API void PoissonFit(const TVec& X, double& lambda);
+/// \brief PoissonFit with the quantiles of the sum's law (normal from n lambda = 100 on), divided by n.
+STATKIT_API void PoissonFit(const TVec& X, double& lambda, double* ConfInt, double Alpha);
+/// \brief Rayleigh scale b = sqrt(mean of X^2 / 2).
+STATKIT_API void RayleighFit(const TVec& X, double& b);
+/// \brief RayleighFit with the chi-square (2n) interval.
+STATKIT_API void RayleighFit(const TVec& X, double& b, double* ConfInt, double Alpha);
+/// \brief Discrete uniform largest value N = Ceil(max X).
+STATKIT_API void UniformDFit(const TVec& X, int& N);
+/// \brief UniformDFit with the exact interval [N, floor(N Alpha^(-1/n))] for N.
+STATKIT_API void UniformDFit(const TVec& X, int& N, double* ConfInt, double Alpha);
+/// \brief Uniform ends a = min X, b = max X.
+STATKIT_API void UniformFit(const TVec& X, double& a, double& b);
+/// \brief UniformFit with ConfIntA = [a, b - d], ConfIntB = [a + d, b], d = (b - a) Alpha.
+STATKIT_API void UniformFit(const TVec& X, double& a, double& b, double* ConfIntA, double* ConfIntB,
+                            double Alpha);
+/// \brief Weibull a, b of F(x) = 1 - exp(-a x^b) by maximum likelihood, started from the Weibull plot.
+STATKIT_API void WeibullFit(const TVec& X, double& a, double& b, int MaxIter, double Tolerance);
+/// \brief WeibullFit with intervals for a and b.
+STATKIT_API void WeibullFit(const TVec& X, double& a, double& b, double* ConfIntA, double* ConfIntB,
+                            int MaxIter, double Tolerance, double Alpha);
+
 // --- full factorial design --------------------------------------------------
 
 /// \brief Two-level design of \p n factors: 2^n rows, Dst(i, c) = bit (n - 1 - c) of i,
