@@ -6,7 +6,9 @@
 // Clopper and Pearson's (1934) exact interval.
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <span>
 
 #include "core/frame.h"
@@ -32,6 +34,32 @@ double weibullLnPdf(double x, double a, double b) {
   if (!(a > 0 && b > 0)) return NAN;
   const double lnx = std::log(x);
   return std::log(a * b) + (b - 1) * lnx - a * std::exp(b * lnx);
+}
+
+// sum ln x over positive finite x, with one logarithm per block of 128 values instead of one per value:
+// ln of the product of the significands (each in [1, 2), so a block stays below 2^128) plus ln 2 times
+// the sum of the exponents. A block's product carries at most 128 eps of relative error, about 3e-14
+// in its logarithm: well inside what a likelihood needs, at a tenth of the cost. Subnormal values are
+// scaled by 2^64 first; four products run side by side.
+double sumOfLogs(const TVec& X) {
+  constexpr int kBlock = 128, kLanes = 4;
+  constexpr std::uint64_t kSignificand = 0x000FFFFFFFFFFFFFull, kExponentOfOne = 0x3FF0000000000000ull;
+  constexpr double kSmallest = 2.2250738585072014e-308, kScale = 18446744073709551616.0;  // 2^64
+  const double* x = X.data();
+  const int n = X.Length();
+  double total = 0;
+  long long exponents = 0;
+  for (int i = 0; i < n; i += kBlock) {
+    double product[kLanes] = {1, 1, 1, 1};
+    for (int j = i, end = std::min(n, i + kBlock); j < end; ++j) {
+      const bool subnormal = x[j] < kSmallest;
+      const auto bits = std::bit_cast<std::uint64_t>(subnormal ? x[j] * kScale : x[j]);
+      exponents += static_cast<long long>(bits >> 52) - (subnormal ? 1023 + 64 : 1023);
+      product[j % kLanes] *= std::bit_cast<double>((bits & kSignificand) | kExponentOfOne);
+    }
+    total += std::log(product[0] * product[1]) + std::log(product[2] * product[3]);
+  }
+  return total + static_cast<double>(exponents) * 0.6931471805599453;
 }
 
 // Every element inside the open support (lo, hi): then the log-likelihoods reduce to sums of logarithms
@@ -70,21 +98,33 @@ double gammaNegLogLik(Pars p, Pars c, Objects o) {
 }
 
 // Weibull, -sum ln(f + 2^-52): the constant keeps the logarithm finite where the density underflows.
-// Consts = {1} when the work vector holds ln x of every x > 0, else empty.
 constexpr double kDensityFloor = 2.220446049250313e-16;
-double weibullNegLogLik(Pars p, Pars c, Objects o) {
+double weibullNegLogLik(Pars p, Pars, Objects o) {
   const double a = p[0], b = p[1];
-  if (c.empty())
-    return negLogLikDirect(o, [&](const TVec& x, TVec& d) { WeibullPDF(x, a, b, d); }, kDensityFloor);
-  if (!(a > 0 && b > 0)) return NAN;
+  return negLogLikDirect(o, [&](const TVec& x, TVec& d) { WeibullPDF(x, a, b, d); }, kDensityFloor);
+}
+
+// The same likelihood over the scale lambda = a^(-1/b) and b, from the work vector's ln x of every x > 0.
+// Its valley in (a, b) is a narrow curve (a and b trade off through a x^b); in (lambda, b) it is nearly
+// axis-aligned, the estimates of scale and shape being nearly uncorrelated, and the simplex needs a
+// fraction of the steps for the same maximum.
+double weibullScaleNegLogLik(Pars p, Pars, Objects o) {
+  const double lambda = p[0], b = p[1];
+  if (!(lambda > 0 && b > 0)) return NAN;
   const TVec& lnx = workOf(o);
-  const double lnab = std::log(a * b), *ln = lnx.data();
-  double s = 0;
-  for (int i = 0; i < lnx.Length(); ++i) {
-    const double l = ln[i];
-    s += std::log(std::exp(lnab + (b - 1) * l - a * std::exp(b * l)) + kDensityFloor);
-  }
-  return -s;
+  TVec& w = ObjectAs<TVec>(o[2]);
+  const double lnLambda = std::log(lambda), lnab = std::log(b) - b * lnLambda, *l = lnx.data();
+  const int n = lnx.Length();
+  // Whole-vector exponentials and logarithms: the array layer evaluates them several lanes at a time.
+  w.Size(n);
+  double* t = w.data();
+  for (int i = 0; i < n; ++i) t[i] = b * (l[i] - lnLambda);
+  w.Exp();  // a x^b
+  for (int i = 0; i < n; ++i) t[i] = lnab + (b - 1) * l[i] - t[i];
+  w.Exp();  // the density
+  w.Offset(kDensityFloor);
+  w.Ln();
+  return -w.Sum();
 }
 
 // Minimises the negative log-likelihood from (a, b) with the caller's limits; the stop reason is not
@@ -93,7 +133,8 @@ void maximiseLikelihood(TOptObjective negLogLik, Pars consts, const TVec& X, TVe
                         int MaxIter, double Tolerance) {
   double p[2] = {a, b}, fmin = 0;
   TOptStopReason why{};
-  TObject* objects[2] = {const_cast<TVec*>(&X), &work};
+  PooledVec scratch;
+  TObject* objects[3] = {const_cast<TVec*>(&X), &work, &*scratch};
   Simplex(negLogLik, p, consts, objects, fmin, why, MaxIter, Tolerance);
   a = p[0];
   b = p[1];
@@ -164,13 +205,16 @@ void BetaFit(const TVec& X, double& a, double& b, int MaxIter, double Tolerance)
     PooledVec work;
     const int n = X.Length();
     // Start from the geometric means of X and 1 - X (as means of logarithms: the products underflow).
+    const bool inside = insideSupport(X, 0, 1);
     double s1 = 0, s0 = 0;
-    for (const double x : X) s1 += std::log(x), s0 += std::log1p(-x);
+    if (inside) s1 = sumOfLogs(X);
+    else
+      for (const double x : X) s1 += std::log(x);
+    for (const double x : X) s0 += std::log1p(-x);
     const double g1 = std::exp(s1 / n), g0 = std::exp(s0 / n), d = 1 - g1 - g0;
     a = 0.5 * (1 - g0) / d;
     b = 0.5 * (1 - g1) / d;
     const double stats[3] = {static_cast<double>(n), s1, s0};
-    const bool inside = insideSupport(X, 0, 1);
     maximiseLikelihood(betaNegLogLik, inside ? Pars(stats) : Pars(), X, *work, a, b, MaxIter, Tolerance);
   });
 }
@@ -190,11 +234,8 @@ void GammaFit(const TVec& X, double& a, double& b, int MaxIter, double Tolerance
     const double m = X.Mean(), s = X.StdDev(m);
     b = s * s / m;
     a = m / b;
-    double sumLn = 0;
     const bool inside = insideSupport(X, 0, INF);
-    if (inside)
-      for (const double x : X) sumLn += std::log(x);
-    const double stats[3] = {static_cast<double>(X.Length()), X.Sum(), sumLn};
+    const double stats[3] = {static_cast<double>(X.Length()), X.Sum(), inside ? sumOfLogs(X) : 0.0};
     maximiseLikelihood(gammaNegLogLik, inside ? Pars(stats) : Pars(), X, *work, a, b, MaxIter, Tolerance);
   });
 }
@@ -229,9 +270,11 @@ void WeibullFit(const TVec& X, double& a, double& b, int MaxIter, double Toleran
     const double c0 = sxy / sxx, c1 = my - c0 * ms;
     b = c0;
     a = std::exp(c1 / c0);
-    const double fast[1] = {1};
-    maximiseLikelihood(weibullNegLogLik, insideSupport(X, 0, INF) ? Pars(fast) : Pars(), X, *lnx, a, b,
-                       MaxIter, Tolerance);
+    if (!insideSupport(X, 0, INF))
+      return maximiseLikelihood(weibullNegLogLik, {}, X, *lnx, a, b, MaxIter, Tolerance);
+    double lambda = std::exp(-std::log(a) / b);
+    maximiseLikelihood(weibullScaleNegLogLik, {}, X, *lnx, lambda, b, MaxIter, Tolerance);
+    a = std::exp(-b * std::log(lambda));
   });
 }
 
