@@ -1,0 +1,106 @@
+// Every check of linear regression, analysis of variance and the regression
+// models, from one table of bad calls: the exact message, prefixed where the
+// failure arises inside the operation's work, and the pool given back.
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <typeinfo>
+
+#include "statkit/RegModels.h"
+#include "statkit/Regress.h"
+#include "support/expect.h"
+
+namespace statkit::Regress {
+namespace {
+
+using namespace RegModels;
+
+TVec complexVec(int n) {
+  TVec v;
+  v.Size(n, true);
+  v.SetZero();
+  return v;
+}
+
+TMtx complexMtx(int r, int c) {
+  TMtx m;
+  m.Size(r, c, true);
+  m.SetZero();
+  return m;
+}
+
+TEST(RegressionErrors, EveryCheckRaisesItsExactMessage) {
+  const TVec x3{1, 2, 3}, y3{2, 4, 7}, x2{1, 2}, c3 = complexVec(3), same{2, 2, 2};
+  const TMtx A3{{1, 2}, {2, 3}, {3, 5}}, collinear{{1, 2}, {2, 4}, {3, 6}},
+             offsetColumns{{1, 2}, {2, 3}, {3, 4}};
+  TVec B, YCalc, R, S;
+  TMtx V{{1, 0}, {0, 1}};
+  TRegStats st;
+  double s1, s2, s3;
+  const test::RaiseCase cases[] = {
+      {"LinRegress : X.Length <> Y.Length", [&] { LinRegress(x2, y3, B); }},
+      {"LinRegress : X.Complex or Y.Complex or Weights.Complex", [&] { LinRegress(c3, y3, B); }},
+      {"LinRegress : (Weights.Length <> X.Length) or Weights.Complex)", [&] { LinRegress(x3, y3, B, &x2); }},
+      {"LinRegress : (Weights.Length <> X.Length) or Weights.Complex)", [&] { LinRegress(x3, y3, B, &c3); },
+       "complex weights"},
+      {"LinRegress : Singular matrix", [&] { LinRegress(same, y3, B); }, "all x equal"},
+      {"LinRegress : Singular matrix", [&] { LineFit(B, same, y3); }, "LineFit passes LinRegress's errors"},
+      {"LinRegress : X.Length <> Y.Length", [&] { LineFit(B, x2, y3); }},
+      {"MulLinRegress: y.Complex or A.Complex", [&] { MulLinRegress(c3, A3, B, true); }},
+      {"MulLinRegress: y.Length <> A.Rows", [&] { MulLinRegress(x2, A3, B, true); }},
+      {"MulLinRegress: y.Length <> A.Rows", [&] { MulLinFit(B, A3, x2, true); }, "MulLinFit"},
+      {"MulLinRegress : Singular matrix", [&] { MulLinRegress(y3, collinear, B, false); }},
+      {"MulLinRegress : Singular matrix", [&] { MulLinRegress(y3, offsetColumns, B, true, nullptr, &V); }, "with intercept"},
+      {"MulLinRegress: Y.Complex or A.Complex", [&] { MulLinRegress(y3, complexMtx(3, 2), B, x3, true); }},
+      {"MulLinRegress: Y.Length<>Weights.Length", [&] { MulLinRegress(y3, A3, B, x2, true); }},
+      {"MulLinRegress : Size mismatch", [&] { MulLinRegress(x2, A3, B, x2, true); }, "weighted rows differ"},
+      {"RegressTest: Y.Length <> YCalc.Length", [&] { RegressTest(y3, x2, V, st, true); }},
+      {"RegressTest: Weights.Length <> Y.Length", [&] { RegressTest(y3, x3, V, st, R, S, true, &x2); }},
+      {"ANOVA1: Data.Length <> GroupIndex.Length", [&] { ANOVA1(y3, x2, s1, 0.05); }},
+      {"ANOVA1: GroupIndex.Complex = true", [&] { ANOVA1(y3, c3, s1, 0.05); }},
+      {"ANOVA1: GroupIndex must be finite and >= 0", [&] { ANOVA1(y3, TVec{0, -0.5, 1}, s1, 0.05); }},
+      {"ANOVA1: GroupIndex must be finite and >= 0", [&] { ANOVA1(y3, TVec{0, NAN, 1}, s1, 0.05); }, "NaN"},
+      {"ANOVA1: GroupIndex must be finite and >= 0", [&] { ANOVA1(y3, TVec{0, INF, 1}, s1, 0.05); }, "INF"},
+      {"ANOVA1: empty group", [&] { ANOVA1(y3, TVec{0, 0, 2}, s1, 0.05); }},
+      {"ANOVA1: empty group", [&] { ANOVA1(y3, TVec{0, 1, 1e300}, s1, 0.05); }, "beyond int"},
+      {"ANOVA1: fewer than two groups", [&] { ANOVA1(y3, TVec{0, 0.5, 0.9}, s1, 0.05); }},
+      {"ANOVA1: fewer than two groups", [&] { ANOVA1(TVec{}, TVec{}, s1, 0.05); }, "no data"},
+      {"ANOVA2: (Data.Rows mod Replications) <> 0", [&] { ANOVA2(A3, s1, s2, s3, 2, 0.05); }},
+      {"ANOVA2: (Data.Rows mod Replications) <> 0", [&] { ANOVA2(A3, s1, s2, s3, -2, 0.05); }, "negative"},
+      {"ANOVA2: Replications <= 0", [&] { ANOVA2(A3, s1, s2, s3, 0, 0.05); }},
+      {"ANOVA2: Replications <= 0", [&] { ANOVA2(A3, s1, s2, s3, -3, 0.05); }, "divisible, negative"},
+      {"ANOVA2: Data.Complex = true", [&] { ANOVA2(complexMtx(2, 2), s1, s2, s3, 1, 0.05); }},
+      {"Index out of range", [&] { MulLinEval(std::vector<double>{1, 2, 3}, x2, false); }, "X shorter than B"},
+      {"Index out of range", [&] { LineEval(std::vector<double>{1}, 2.0); }, "B too short"},
+  };
+  test::ExpectEachRaises(cases);
+}
+
+// PowerFit and ExpFit raise the runtime's base exception class, not EArrayError.
+TEST(RegressionErrors, PowerAndExpFitRaiseRuntimeError) {
+  const TVec x3{1, 2, 3}, y2{1, 2}, w2{1, 1};
+  const struct {
+    void (*fit)(TVec&, const TVec&, const TVec&, const TVec*);
+    const TVec &y, *w;
+    const char* message;
+  } cases[] = {{PowerFit, y2, nullptr, "X.Lenght <> Y.Length"},
+               {ExpFit, y2, nullptr, "X.Lenght <> Y.Length"},
+               {PowerFit, x3, &w2, "Weights.Length < X.Length"},
+               {ExpFit, x3, &w2, "Weights.Length < X.Length"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.message);
+    TVec B{7, 7};
+    try {
+      c.fit(B, x3, c.y, c.w);
+      ADD_FAILURE() << "raised nothing";
+    } catch (const std::runtime_error& e) {
+      EXPECT_TRUE(typeid(e) == typeid(std::runtime_error)) << typeid(e).name();
+      EXPECT_STREQ(e.what(), c.message);
+    }
+    EXPECT_EQ(B[0], 7.0);
+  }
+}
+
+}  // namespace
+}  // namespace statkit::Regress
