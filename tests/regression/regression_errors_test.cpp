@@ -16,22 +16,16 @@ namespace {
 
 using namespace RegModels;
 
-TVec complexVec(int n) {
-  TVec v;
-  v.Size(n, true);
+template <class T, class... Shape>
+T complexZeros(Shape... shape) {
+  T v;
+  v.Size(shape..., true);
   v.SetZero();
   return v;
 }
 
-TMtx complexMtx(int r, int c) {
-  TMtx m;
-  m.Size(r, c, true);
-  m.SetZero();
-  return m;
-}
-
 TEST(RegressionErrors, EveryCheckRaisesItsExactMessage) {
-  const TVec x3{1, 2, 3}, y3{2, 4, 7}, x2{1, 2}, c3 = complexVec(3), same{2, 2, 2};
+  const TVec x3{1, 2, 3}, y3{2, 4, 7}, x2{1, 2}, c3 = complexZeros<TVec>(3), same{2, 2, 2};
   const TMtx A3{{1, 2}, {2, 3}, {3, 5}}, collinear{{1, 2}, {2, 4}, {3, 6}},
              offsetColumns{{1, 2}, {2, 3}, {3, 4}};
   TVec B, YCalc, R, S;
@@ -52,7 +46,7 @@ TEST(RegressionErrors, EveryCheckRaisesItsExactMessage) {
       {"MulLinRegress: y.Length <> A.Rows", [&] { MulLinFit(B, A3, x2, true); }, "MulLinFit"},
       {"MulLinRegress : Singular matrix", [&] { MulLinRegress(y3, collinear, B, false); }},
       {"MulLinRegress : Singular matrix", [&] { MulLinRegress(y3, offsetColumns, B, true, nullptr, &V); }, "with intercept"},
-      {"MulLinRegress: Y.Complex or A.Complex", [&] { MulLinRegress(y3, complexMtx(3, 2), B, x3, true); }},
+      {"MulLinRegress: Y.Complex or A.Complex", [&] { MulLinRegress(y3, complexZeros<TMtx>(3, 2), B, x3, true); }},
       {"MulLinRegress: Y.Length<>Weights.Length", [&] { MulLinRegress(y3, A3, B, x2, true); }},
       {"MulLinRegress : Size mismatch", [&] { MulLinRegress(x2, A3, B, x2, true); }, "weighted rows differ"},
       {"RegressTest: Y.Length <> YCalc.Length", [&] { RegressTest(y3, x2, V, st, true); }},
@@ -70,7 +64,7 @@ TEST(RegressionErrors, EveryCheckRaisesItsExactMessage) {
       {"ANOVA2: (Data.Rows mod Replications) <> 0", [&] { ANOVA2(A3, s1, s2, s3, -2, 0.05); }, "negative"},
       {"ANOVA2: Replications <= 0", [&] { ANOVA2(A3, s1, s2, s3, 0, 0.05); }},
       {"ANOVA2: Replications <= 0", [&] { ANOVA2(A3, s1, s2, s3, -3, 0.05); }, "divisible, negative"},
-      {"ANOVA2: Data.Complex = true", [&] { ANOVA2(complexMtx(2, 2), s1, s2, s3, 1, 0.05); }},
+      {"ANOVA2: Data.Complex = true", [&] { ANOVA2(complexZeros<TMtx>(2, 2), s1, s2, s3, 1, 0.05); }},
       {"Index out of range", [&] { MulLinEval(std::vector<double>{1, 2, 3}, x2, false); }, "X shorter than B"},
       {"Index out of range", [&] { LineEval(std::vector<double>{1}, 2.0); }, "B too short"},
   };
