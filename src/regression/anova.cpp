@@ -43,25 +43,35 @@ T narrow(const Wide<T>& x) {
 }
 
 // The sums of squares of N values in k groups: group[i] is the group of value i,
-// count[g] > 0 the size of group g.
+// count[g] > 0 the size of group g. Two passes: the sums give first means m0;
+// the second accumulates d = x - m0 and d^2, and sum (x - m)^2 = sum d^2 - (sum d)^2 / n
+// around the refined mean m = m0 + sum d / n (the corrected two-pass algorithm,
+// Chan, Golub and LeVeque 1983).
 template <class T>
 OneWaySums oneWaySums(const TDenseKalpa& Data, int N, const std::vector<int>& group, const std::vector<int>& count) {
   const std::size_t k = count.size();
   const T shift = element<T>(Data, 0);
   auto x = [&](int i) { return element<T>(Data, i) - shift; };
-  // Group and grand means, each corrected by the mean of its deviations.
   std::vector<Wide<T>> sum(k, Wide<T>(0)), dev(k, Wide<T>(0));
+  std::vector<long double> dev2(k, 0);
   Wide<T> grandSum(0), grandDev(0);
-  for (int i = 0; i < N; ++i) sum[group[i]] += x(i), grandSum += x(i);
+  long double grandDev2 = 0;
+  for (int i = 0; i < N; ++i) sum[group[i]] += x(i);
   std::vector<T> m(k);
-  for (std::size_t g = 0; g < k; ++g) m[g] = narrow<T>(sum[g] / static_cast<long double>(count[g]));
-  T grand = narrow<T>(grandSum / static_cast<long double>(N));
-  for (int i = 0; i < N; ++i) dev[group[i]] += x(i) - m[group[i]], grandDev += x(i) - grand;
-  for (std::size_t g = 0; g < k; ++g) m[g] += narrow<T>(dev[g] / static_cast<long double>(count[g]));
-  grand += narrow<T>(grandDev / static_cast<long double>(N));
-  long double between = 0, within = 0, total = 0;
-  for (std::size_t g = 0; g < k; ++g) between += count[g] * static_cast<long double>(sq(m[g] - grand));
-  for (int i = 0; i < N; ++i) within += sq(x(i) - m[group[i]]), total += sq(x(i) - grand);
+  for (std::size_t g = 0; g < k; ++g) m[g] = narrow<T>(sum[g] / static_cast<long double>(count[g])), grandSum += sum[g];
+  const T grand0 = narrow<T>(grandSum / static_cast<long double>(N));
+  for (int i = 0; i < N; ++i) {
+    const T xi = x(i), d = xi - m[group[i]], e = xi - grand0;
+    dev[group[i]] += d, dev2[group[i]] += sq(d), grandDev += e, grandDev2 += sq(e);
+  }
+  long double between = 0, within = 0;
+  const T grand = grand0 + narrow<T>(grandDev / static_cast<long double>(N));
+  for (std::size_t g = 0; g < k; ++g) {
+    within += dev2[g] - static_cast<long double>(sq(narrow<T>(dev[g]))) / count[g];
+    m[g] += narrow<T>(dev[g] / static_cast<long double>(count[g]));
+    between += count[g] * static_cast<long double>(sq(m[g] - grand));
+  }
+  const long double total = grandDev2 - static_cast<long double>(sq(narrow<T>(grandDev))) / N;
   return {static_cast<double>(between), static_cast<double>(within), static_cast<double>(total)};
 }
 
@@ -149,30 +159,48 @@ TANOVA2Table ANOVA2(const TMtx& Data, double& SignifRows, double& SignifCols, do
     const double* d = Data.data();
     const double shift = a * b > 0 ? d[0] : 0.0;
     auto x = [&](int row, int col) { return d[static_cast<std::ptrdiff_t>(row) * b + col] - shift; };
-    // Cell means, corrected by the mean of their deviations.
-    std::vector<double> M(static_cast<std::size_t>(a) * b, 0.0);
-    auto cell = [&](int i, int j) -> double& { return M[static_cast<std::size_t>(i) * b + j]; };
-    for (int i = 0; i < a; ++i)
-      for (int j = 0; j < b; ++j) {
-        long double s = 0, c = 0;
-        for (int t = 0; t < r; ++t) s += x(i * r + t, j);
-        const double m = static_cast<double>(s / r);
-        for (int t = 0; t < r; ++t) c += x(i * r + t, j) - m;
-        cell(i, j) = static_cast<double>(m + c / r);
+    // Cell means from the sums, then one pass over the rows in storage order for
+    // the deviations from them and from the grand mean (corrected two-pass sums).
+    // Every accumulator belongs to one column, so the inner loops run in SIMD lanes.
+    std::vector<double> M(static_cast<std::size_t>(a) * b, 0.0), acc(static_cast<std::size_t>(b));
+    for (int i = 0; i < a; ++i) {
+      std::fill(acc.begin(), acc.end(), 0.0);
+      for (int t = 0; t < r; ++t)
+        for (int j = 0; j < b; ++j) acc[j] += x(i * r + t, j);
+      for (int j = 0; j < b; ++j) M[static_cast<std::size_t>(i) * b + j] = acc[j] / r;
+    }
+    double g0 = 0.0;
+    for (double m : M) g0 += m / (double(a) * b);
+    std::vector<double> d2(static_cast<std::size_t>(b), 0.0), e1(d2), e2(d2);
+    long double corrWithin = 0;
+    for (int i = 0; i < a; ++i) {
+      std::fill(acc.begin(), acc.end(), 0.0);
+      double* m = M.data() + static_cast<std::size_t>(i) * b;
+      for (int t = 0; t < r; ++t) {
+        const double* row = d + static_cast<std::ptrdiff_t>(i * r + t) * b;
+        for (int j = 0; j < b; ++j) {
+          const double xv = row[j] - shift, dv = xv - m[j], ev = xv - g0;
+          acc[j] += dv, d2[j] += dv * dv, e1[j] += ev, e2[j] += ev * ev;
+        }
       }
+      for (int j = 0; j < b; ++j) corrWithin += acc[j] * acc[j] / r, m[j] += acc[j] / r;
+    }
+    long double ssWithin = -corrWithin, ssT = 0, devT = 0;
+    for (int j = 0; j < b; ++j) ssWithin += d2[j], ssT += e2[j], devT += e1[j];
+    auto cell = [&](int i, int j) { return M[static_cast<std::size_t>(i) * b + j]; };
     std::vector<double> u(static_cast<std::size_t>(a), 0.0), v(static_cast<std::size_t>(b), 0.0);
     for (int i = 0; i < a; ++i)
       for (int j = 0; j < b; ++j) u[i] += cell(i, j) / b, v[j] += cell(i, j) / a;
     double g = 0.0;
     for (int j = 0; j < b; ++j) g += v[j] / b;
-    long double ssR = 0, ssC = 0, ssCells = 0, ssT = 0, ssWithin = 0;
+    // sum (x - g)^2 from the sums around g0.
+    const long double N = static_cast<long double>(a) * r * b, shiftG = static_cast<long double>(g) - g0;
+    ssT += -2 * shiftG * devT + N * shiftG * shiftG;
+    long double ssR = 0, ssC = 0, ssCells = 0;
     for (int i = 0; i < a; ++i) ssR += sq(u[i] - g);
     for (int j = 0; j < b; ++j) ssC += sq(v[j] - g);
     for (int i = 0; i < a; ++i)
-      for (int j = 0; j < b; ++j) {
-        ssCells += sq(cell(i, j) - u[i] - v[j] + g);
-        for (int t = 0; t < r; ++t) ssT += sq(x(i * r + t, j) - g), ssWithin += sq(x(i * r + t, j) - cell(i, j));
-      }
+      for (int j = 0; j < b; ++j) ssCells += sq(cell(i, j) - u[i] - v[j] + g);
     ssR *= double(b) * r, ssC *= double(a) * r, ssCells *= r;
     const bool replicated = r > 1;
     const int dfR = a - 1, dfC = b - 1, dfI = (a - 1) * (b - 1), dfE = replicated ? (r - 1) * a * b : dfI;
