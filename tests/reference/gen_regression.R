@@ -26,13 +26,10 @@ lmCase <- function(name, n, k, constant, weighted, scale = 1) {
   put("F", s$fstatistic[1])
   put("p", pf(s$fstatistic[1], s$fstatistic[2], s$fstatistic[3], lower.tail = FALSE))
 }
-lmCase("line", 12, 1, TRUE, FALSE)
-lmCase("line weighted", 15, 1, TRUE, TRUE)
-lmCase("three columns", 25, 3, TRUE, FALSE)
-lmCase("three columns weighted", 30, 3, TRUE, TRUE)
-lmCase("no intercept", 20, 2, FALSE, FALSE)
-lmCase("no intercept weighted", 22, 3, FALSE, TRUE)
-lmCase("weak fit", 40, 4, TRUE, FALSE, 50)
+for (k in list(list("line", 12, 1, TRUE, FALSE), list("line weighted", 15, 1, TRUE, TRUE),
+               list("three columns", 25, 3, TRUE, FALSE), list("three columns weighted", 30, 3, TRUE, TRUE),
+               list("no intercept", 20, 2, FALSE, FALSE), list("no intercept weighted", 22, 3, FALSE, TRUE),
+               list("weak fit", 40, 4, TRUE, FALSE, 50))) do.call(lmCase, k)
 
 aovRow <- function(tab, i) c(tab[i, "Sum Sq"], tab[i, "Df"], tab[i, "Mean Sq"], tab[i, "F value"], tab[i, "Pr(>F)"])
 oneWay <- function(name, sizes, equal) {
