@@ -38,11 +38,11 @@ void run() {
   const TVec group{0, 0, 0, 0, 1, 1, 1, 1, 1, 2, 2, 2};
   double signif = 0;
   const TANOVA1Table t = ANOVA1(yield, group, signif, 0.05);
-  std::printf("one-way ANOVA of yield by fertiliser:\n  %-8s %9s %4s %9s %8s %10s\n", "source", "SS", "df", "MS", "F",
-              "F(0.95)");
+  std::printf("one-way ANOVA of yield by fertiliser:\n  %-8s %9s %4s %9s %8s %10s\n", "source", "SS", "df",
+              "MS", "F", "F(0.95)");
   std::printf("  %-8s %9.4f %4.0f %9.4f %8.3f %10.3f\n", "between", t[0], t[3], t[6], t[8], t[9]);
-  std::printf("  %-8s %9.4f %4.0f %9.4f\n  %-8s %9.4f %4.0f\n  p = %.3g\n", "within", t[1], t[4], t[7], "total",
-              t[2], t[5], signif);
+  std::printf("  %-8s %9.4f %4.0f %9.4f\n  %-8s %9.4f %4.0f\n  p = %.3g\n", "within", t[1], t[4], t[7],
+              "total", t[2], t[5], signif);
 }
 
 TOUR_SECTION(60, "Linear regression and analysis of variance", run);

@@ -13,14 +13,14 @@
 
 namespace statkit::Regress {
 
+using RegModels::TDeriveProc;
+using RegModels::TRegressFun;
 using statkit::EArrayError;
 using statkit::INF;
 using statkit::IsInf;
 using statkit::IsNan;
 using statkit::TMtx;
 using statkit::TVec;
-using RegModels::TDeriveProc;
-using RegModels::TRegressFun;
 
 // --- linear least squares and regression statistics -------------------------
 
@@ -108,7 +108,7 @@ STATKIT_API TANOVA1Table ANOVA1(const TVec& Data, const TVec& GroupIndex, double
 /// \param SignifInteract receives that of the interaction (written only when Replications > 1).
 /// \param Replications the observations per cell.
 /// \param Alpha the level of the critical F values.
-STATKIT_API TANOVA2Table ANOVA2(const TMtx& Data, double& SignifRows, double& SignifCols, double& SignifInteract,
-                                int Replications, double Alpha);
+STATKIT_API TANOVA2Table ANOVA2(const TMtx& Data, double& SignifRows, double& SignifCols,
+                                double& SignifInteract, int Replications, double Alpha);
 
 }  // namespace statkit::Regress

@@ -4,8 +4,8 @@
 // a common offset costs no accuracy (Simon and Lesage 1989, "Assessing the
 // accuracy of ANOVA calculations in statistical software", CSDA 8).
 
-#include <cmath>
 #include <algorithm>
+#include <cmath>
 #include <complex>
 #include <type_traits>
 #include <vector>
@@ -49,7 +49,8 @@ struct OneWaySums {
 // around the refined mean m = m0 + sum d / n (the corrected two-pass algorithm,
 // Chan, Golub and LeVeque 1983).
 template <class T>
-OneWaySums oneWaySums(const TDenseKalpa& Data, int N, const std::vector<int>& group, const std::vector<int>& count) {
+OneWaySums oneWaySums(const TDenseKalpa& Data, int N, const std::vector<int>& group,
+                      const std::vector<int>& count) {
   const std::size_t k = count.size();
   const T shift = element<T>(Data, 0);
   auto x = [&](int i) { return element<T>(Data, i) - shift; };
@@ -92,8 +93,8 @@ void effectTest(double ss, int df, double ssE, int dfE, bool zeroEffectFirst, do
 }
 
 template <class T>
-TANOVA1Table oneWay(const TDenseKalpa& Data, int N, const std::vector<int>& group, const std::vector<int>& count,
-                    double& Signif, double Alpha) {
+TANOVA1Table oneWay(const TDenseKalpa& Data, int N, const std::vector<int>& group,
+                    const std::vector<int>& count, double& Signif, double Alpha) {
   const OneWaySums s = oneWaySums<T>(Data, N, group, count);
   const int dfB = static_cast<int>(count.size()) - 1, dfW = N - dfB - 1;
   TANOVA1Table t{};

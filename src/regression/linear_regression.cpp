@@ -140,7 +140,8 @@ void RegressTest(const TVec& Y, const TVec& YCalc, TMtx& V, TRegStats& RegStats,
     double ym = 0.0;
     if (Constant) {
       long double sw = 0, swy = 0;
-      for (int i = 0; i < n; ++i) sw += w ? w[i] : 1.0, swy += (w ? w[i] : 1.0) * static_cast<long double>(y[i]);
+      for (int i = 0; i < n; ++i)
+        sw += w ? w[i] : 1.0, swy += (w ? w[i] : 1.0) * static_cast<long double>(y[i]);
       ym = static_cast<double>(swy / sw);
       long double c = 0;
       for (int i = 0; i < n; ++i) c += (w ? w[i] : 1.0) * static_cast<long double>(y[i] - ym);
@@ -167,8 +168,8 @@ void RegressTest(const TVec& Y, const TVec& YCalc, TMtx& V, TRegStats& RegStats,
   V.Mul(s.ResidualVar);
 }
 
-void RegressTest(const TVec& Y, const TVec& YCalc, TMtx& V, TRegStats& RegStats, TVec& Residuals, TVec& BStdErr,
-                 bool Constant, const TVec* Weights) {
+void RegressTest(const TVec& Y, const TVec& YCalc, TMtx& V, TRegStats& RegStats, TVec& Residuals,
+                 TVec& BStdErr, bool Constant, const TVec* Weights) {
   RegressTest(Y, YCalc, V, RegStats, Constant, Weights);
   Residuals.Sub(Y, YCalc);
   const int p = V.Cols();

@@ -69,7 +69,9 @@ void LineEval(std::span<const double> B, const TVec& X, TVec& Y) {
 
 void LineDeriv(TRegressFun, double X, double, std::span<const double>, TVec& Grad) { setGrad(Grad, 1.0, X); }
 
-void LineFit(TVec& B, const TVec& X, const TVec& Y, const TVec* Weights) { Regress::LinRegress(X, Y, B, Weights); }
+void LineFit(TVec& B, const TVec& X, const TVec& Y, const TVec* Weights) {
+  Regress::LinRegress(X, Y, B, Weights);
+}
 
 double PowerEval(std::span<const double> B, double X) { return coef(B, 0) * std::pow(X, coef(B, 1)); }
 
@@ -83,8 +85,9 @@ void PowerDeriv(TRegressFun, double X, double Y, std::span<const double> B, TVec
 }
 
 void PowerFit(TVec& B, const TVec& X, const TVec& Y, const TVec* Weights) {
-  linearisedFit(B, X, Y, Weights, [](double x, double y) { return x > 0.0 && y > 0.0; },
-                [](double x) { return std::log(x); });
+  linearisedFit(
+      B, X, Y, Weights, [](double x, double y) { return x > 0.0 && y > 0.0; },
+      [](double x) { return std::log(x); });
 }
 
 double ExpEval(std::span<const double> B, double X) { return coef(B, 0) * std::exp(coef(B, 1) * X); }
@@ -99,7 +102,8 @@ void ExpDeriv(TRegressFun, double X, double Y, std::span<const double> B, TVec& 
 }
 
 void ExpFit(TVec& B, const TVec& X, const TVec& Y, const TVec* Weights) {
-  linearisedFit(B, X, Y, Weights, [](double, double y) { return y > 0.0; }, [](double x) { return x; });
+  linearisedFit(
+      B, X, Y, Weights, [](double, double y) { return y > 0.0; }, [](double x) { return x; });
 }
 
 double MulLinEval(std::span<const double> B, const TVec& X, bool Constant) {

@@ -34,8 +34,8 @@ TEST(AnovaNist, OneWayReachesTheDigitsTheStoredDataAllow) {
     const auto &between = set.Values("Between"), &within = set.Values("Within"), best = r.Nums("floor");
     EXPECT_TRUE(t[3] == between[0] && t[4] == within[0]) << name;
     const double got[] = {t[0], t[1], t[6], t[7], t[8], t[0] / t[2]};
-    const double certified[] = {between[1], within[1], between[2], within[2], between[3],
-                                set.Values("Certified R-Squared")[0]};
+    const double certified[] = {between[1], within[1],  between[2],
+                                within[2],  between[3], set.Values("Certified R-Squared")[0]};
     const double floor = name == "AtmWtAg" ? 9 : name < "SmLs04" ? 12 : name < "SmLs07" ? 9 : 3.5;
     std::printf("  %-8s", name.c_str());
     for (int k = 0; k < 6; ++k) {

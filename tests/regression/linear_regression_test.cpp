@@ -40,20 +40,21 @@ Fit fitAndTest(const TVec& y, const TMtx& A, bool constant, const TVec* w, bool 
 TEST(LinearRegressionNist, CertifiedFitStandardErrorsAndRSquared) {
   if (test::StrdDir().empty()) GTEST_SKIP() << "NIST StRD not found beside the project";
   std::printf("  %-14s %6s %6s %6s %6s\n", "LRE", "B", "sd(B)", "resSD", "R^2");
-  for (std::string name : {"Norris", "Pontius", "NoInt1", "NoInt2", "Filip", "Longley", "Wampler1", "Wampler2",
-                           "Wampler3", "Wampler4", "Wampler5"}) {
+  for (std::string name : {"Norris", "Pontius", "NoInt1", "NoInt2", "Filip", "Longley", "Wampler1",
+                           "Wampler2", "Wampler3", "Wampler4", "Wampler5"}) {
     const test::StrdSet set = test::ReadStrd("lls/" + name);
     for (int pass = 0; pass < (name == "Norris" ? 2 : 1); ++pass) {
       const bool line = pass == 1;
-      const Fit f = fitAndTest(set.Column(0), test::StrdDesign(set, false), set.params.at(0) == "B0", nullptr, line);
+      const Fit f =
+          fitAndTest(set.Column(0), test::StrdDesign(set, false), set.params.at(0) == "B0", nullptr, line);
       double lre[4] = {16, 16, test::LRE(std::sqrt(f.stats.ResidualVar), set.Values("Standard Deviation")[0]),
                        test::LRE(f.stats.R2, set.Values("R-Squared")[0])};
       for (int j = 0; j < f.B.Length(); ++j) {
         lre[0] = std::min(lre[0], test::LRE(f.B[j], set.estimates.at(j)));
         lre[1] = std::min(lre[1], test::LRE(f.BStdErr[j], set.Values(set.params[j])[1]));
       }
-      std::printf("  %-14s %6.1f %6.1f %6.1f %6.1f\n", (name + (line ? " (line)" : "")).c_str(), lre[0], lre[1],
-                  lre[2], lre[3]);
+      std::printf("  %-14s %6.1f %6.1f %6.1f %6.1f\n", (name + (line ? " (line)" : "")).c_str(), lre[0],
+                  lre[1], lre[2], lre[3]);
       for (double l : lre) EXPECT_GE(l, name == "Filip" ? 7 : 9) << name;
     }
   }
@@ -83,7 +84,8 @@ TEST(LinearRegression, MatchesRLinearModelSummary) {
       }
       const TRegStats& s = f.stats;
       // Without an intercept R adjusts by n / (n - p); statkit by (n - 1) / (n - p) always.
-      const double n = y.Length(), p = f.B.Length(), got[] = {s.ResidualVar, s.R2, s.AdjustedR2, s.F, s.SignifProb};
+      const double n = y.Length(), p = f.B.Length(),
+                   got[] = {s.ResidualVar, s.R2, s.AdjustedR2, s.F, s.SignifProb};
       const double adjusted = constant ? r.Num("adjr2") : 1 - (1 - r.Num("r2")) * (n - 1) / (n - p);
       const double want[] = {r.Num("resvar"), r.Num("r2"), adjusted, r.Num("F"), r.Num("p")};
       for (int k = 0; k < 5; ++k) EXPECT_REL(got[k], want[k], 1e-12) << k;
@@ -123,8 +125,8 @@ TEST(RegressTest, NoResidualDegreesOfFreedomAndExactFits) {
     LinRegress(c.x, c.y, g.B, nullptr, &g.YCalc, &g.V);
     RegressTest(c.y, g.YCalc, g.V, g.stats, g.Residuals, g.BStdErr, true);
     const TRegStats& s = g.stats;
-    EXPECT_TRUE(s.ResidualVar == c.want.ResidualVar && s.R2 == c.want.R2 && s.AdjustedR2 == c.want.AdjustedR2 &&
-                s.F == c.want.F && s.SignifProb == c.want.SignifProb);
+    EXPECT_TRUE(s.ResidualVar == c.want.ResidualVar && s.R2 == c.want.R2 &&
+                s.AdjustedR2 == c.want.AdjustedR2 && s.F == c.want.F && s.SignifProb == c.want.SignifProb);
     EXPECT_TRUE(g.BStdErr[0] == 0 && g.BStdErr[1] == 0);  // V scaled to zero
     EXPECT_REL(g.B[1], (c.y[1] - c.y[0]) / (c.x[1] - c.x[0]), 4 * kEps);
   }

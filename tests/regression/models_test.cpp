@@ -21,7 +21,8 @@ TEST(RegressionModels, DerivativesMatchCentralDifferencesAndVectorsMatchScalars)
     TRegressFun f;
     TDeriveProc d;
     void (*eval)(std::span<const double>, const TVec&, TVec&);
-  } models[] = {{LineEval, LineDeriv, LineEval}, {PowerEval, PowerDeriv, PowerEval}, {ExpEval, ExpDeriv, ExpEval}};
+  } models[] = {
+      {LineEval, LineDeriv, LineEval}, {PowerEval, PowerDeriv, PowerEval}, {ExpEval, ExpDeriv, ExpEval}};
   const std::vector<double> B{1.7, -0.6};
   const TVec xs{0.25, 1.0, 2.5, 7.0};
   for (const auto& m : models) {
