@@ -1,5 +1,6 @@
 #include "support/nist.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -34,6 +35,20 @@ const std::vector<double>& StrdSet::Values(const std::string& prefix) const {
   for (const auto& l : certified)
     if (l.label.rfind(prefix, 0) == 0) return l.values;
   throw std::runtime_error("StRD set has no certified line " + prefix);
+}
+
+TMtx StrdDesign(const StrdSet& set, bool withConstant) {
+  const int n = set.Rows();
+  std::vector<int> powers;
+  for (const std::string& name : set.params)
+    if (int k = std::stoi(name.substr(1)); k != 0 || withConstant) powers.push_back(k);
+  TMtx design(n, static_cast<int>(powers.size()));
+  for (int j = 0; j < design.Cols(); ++j)
+    for (int i = 0; i < n; ++i)
+      design(i, j) = set.columns.size() == 2 ? std::pow(set.columns[1][i], powers[j])
+                     : powers[j] == 0        ? 1.0
+                                             : set.columns[powers[j]][i];
+  return design;
 }
 
 StrdSet ReadStrd(const std::string& relPath) {

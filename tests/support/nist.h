@@ -31,6 +31,10 @@ struct StrdSet {
   const std::vector<double>& Values(const std::string& prefix) const;
 };
 
+/// The design matrix of a linear least-squares set: parameter Bk multiplies x^k (one predictor)
+/// or x_k (several), B0 the constant; \p withConstant false leaves B0's column of ones out.
+TMtx StrdDesign(const StrdSet& set, bool withConstant = true);
+
 /// Reads StrdDir()/<relPath>.dat ("lls/Norris", "univ/PiDigits"); throws when it is missing.
 StrdSet ReadStrd(const std::string& relPath);
 

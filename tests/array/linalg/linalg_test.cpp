@@ -53,17 +53,11 @@ TEST(LeastSquaresNist, CertifiedCoefficientsThroughHouseholderQr) {
       {"Norris", 13},   {"Pontius", 13},  {"NoInt1", 13},   {"NoInt2", 13},   {"Filip", 7},    {"Longley", 13},
       {"Wampler1", 13}, {"Wampler2", 13}, {"Wampler3", 13}, {"Wampler4", 13}, {"Wampler5", 13}};
   for (auto [name, minLre] : sets) {
-    // Parameter Bk multiplies x^k (one predictor) or x_k (several).
     const StrdSet set = ReadStrd(std::string("lls/") + name);
-    const int n = set.Rows(), p = static_cast<int>(set.params.size());
-    ASSERT_GT(n * p, 0) << name;
-    TMtx design(n, p);
+    const int p = static_cast<int>(set.params.size());
+    ASSERT_GT(set.Rows() * p, 0) << name;
+    const TMtx design = StrdDesign(set);
     TVec b;
-    for (int j = 0; j < p; ++j) {
-      const int k = std::stoi(set.params[j].substr(1));
-      for (int i = 0; i < n; ++i)
-        design(i, j) = set.columns.size() == 2 ? std::pow(set.columns[1][i], k) : k == 0 ? 1.0 : set.columns[k][i];
-    }
     design.LQRSolve(set.Column(0), b);
     double lre = 16;
     for (int j = 0; j < p; ++j) lre = std::min(lre, LRE(b[j], set.estimates[j]));
