@@ -3,6 +3,7 @@
 // ARIMA likelihood by innovations (Ansley 1979) and its maximisation.
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <numbers>
 #include <vector>
@@ -178,6 +179,7 @@ void descentGradHess(TOptObjective Fun, std::span<const double> Pars, std::span<
 void ArmaAcf(const TVec& P, const TVec& T, int n, TVec& Acf, bool Normalize) {
   if (!(std::max(P.Length(), T.Length()) > 0)) ERaise("not (Max(P.Length,T.Length) > 0)");
   if (n <= 0) ERaise("n <= 0");
+  if (n == INT_MAX) ERaise(msg::IntegerOverflow);  // n + 1 values
   const std::vector<double> phi = valuesOf(P), theta = valuesOf(T);  // Acf may be P or T
   const int p = P.Length(), q = T.Length(), m = std::max(p, q);
   std::vector<double> phiL(m + 1, 0.0), thetaL(m + 1, 0.0), psi(m + 1, 0.0);

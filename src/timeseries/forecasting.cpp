@@ -7,6 +7,7 @@
 #include <cmath>
 #include <vector>
 
+#include "array/checks.h"
 #include "statkit/StatTimeSerAnalysis.h"
 #include "timeseries/arma_innovations.h"
 
@@ -26,17 +27,16 @@ void integrate(std::vector<double>& v, std::size_t from, int times) {
     for (std::size_t i = from + 1; i < v.size(); ++i) v[i] += v[i - 1];
 }
 
-}  // namespace
-
-void PredictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, TVec& Forecast, TVec& StdErr) {
+void predictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, TVec& Forecast, TVec& StdErr) {
   const int N = Data.Length();
   if (d < 0 || d >= N) ERaise("PredictArima: d out of range");
   const std::vector<double> data = valuesOf(Data), phi = valuesOf(P), theta = valuesOf(T);
   const int M = N - d;
   const int m = std::max(P.Length(), T.Length());
   PooledVec acf;
-  // Only lags 0..m enter the transformed process; ArmaAcf refuses an empty model and M + h <= 0.
-  ArmaAcf(P, T, m > 0 ? std::min(M + h, m) : M + h, *acf, false);
+  // Only lags 0..m enter the transformed process; ArmaAcf refuses an empty model and M + h <= 0
+  // (M + h in 64 bits: h may be near INT_MAX).
+  ArmaAcf(P, T, static_cast<int>(std::min<long>(static_cast<long>(M) + h, std::max(m, 1))), *acf, false);
   if (h < 0) ERaise(msg::SizeMismatch);
 
   // The centred differenced series, in correlation units of its ARMA model.
@@ -116,7 +116,7 @@ void PredictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, 
   }
 }
 
-void SimulateArma(const TVec& P, const TVec& T, int n, TVec& Series) {
+void simulateArma(const TVec& P, const TVec& T, int n, TVec& Series) {
   const std::vector<double> phi = valuesOf(P), theta = valuesOf(T);
   const int p = P.Length(), q = T.Length();
   double burnIn = p + q;
@@ -142,6 +142,17 @@ void SimulateArma(const TVec& P, const TVec& T, int n, TVec& Series) {
   }
   Series.Size(n);
   std::copy(x.end() - n, x.end(), Series.data());
+}
+
+}  // namespace
+
+// The standard containers' std::bad_alloc becomes the array layer's "Out of memory".
+void PredictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, TVec& Forecast, TVec& StdErr) {
+  statkit::detail::RaisingOutOfMemory([&] { predictArima(Data, P, T, d, h, Forecast, StdErr); });
+}
+
+void SimulateArma(const TVec& P, const TVec& T, int n, TVec& Series) {
+  statkit::detail::RaisingOutOfMemory([&] { simulateArma(P, T, n, Series); });
 }
 
 void SimulateArima(const TVec& P, const TVec& T, const TVec& Start, int n, TVec& Series) {
