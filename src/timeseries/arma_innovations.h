@@ -44,18 +44,19 @@ private:
   std::vector<double> th_, v_;  // ring of m + 1 rows
 };
 
-/// One-step prediction errors (innovations) U_t = y_t - yhat_t of a series y under the model of
-/// \p inn, from the innovation coefficients of each row and the past values and errors of y.
-/// \p y and \p U are indexed from 0; yhat_t uses y and U before t only.
-inline double PredictionError(const ArmaInnovations& inn, long t, const double* y, const double* U) {
+/// One-step prediction error (innovation) U_t = y(t) - yhat_t of a series y under the model of
+/// \p inn, from the innovation coefficients of row t and the past values y(t - i) and errors
+/// U[t - j] (indexed from 0); \p y maps an index to a value.
+template <class Series>
+double PredictionError(const ArmaInnovations& inn, long t, Series y, const double* U) {
   double pred = 0.0;
   if (t >= inn.m()) {
     const auto& phi = inn.phi();
-    for (std::size_t i = 0; i < phi.size(); ++i) pred += phi[i] * y[t - 1 - static_cast<long>(i)];
+    for (std::size_t i = 0; i < phi.size(); ++i) pred += phi[i] * y(t - 1 - static_cast<long>(i));
   }
   const auto c = inn.Coeffs();
   for (std::size_t j = 0; j < c.size(); ++j) pred += c[j] * U[t - 1 - static_cast<long>(j)];
-  return y[t] - pred;
+  return y(t) - pred;
 }
 
 }  // namespace statkit::StatTimeSerAnalysis::detail

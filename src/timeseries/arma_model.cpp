@@ -77,20 +77,20 @@ bool concentratedLikelihood(std::span<const double> Pars, std::span<const double
   for (int i = 0; i < acf.Length(); ++i) rho[i] = acf[i] / gamma0;
   detail::ArmaInnovations inn(Pars.first(o.p), Pars.subspan(o.p), rho, 1.0 / gamma0);
 
-  // Rows: innovations of the series, innovations of the constant 1, their variances, the constant 1.
-  work.Size(4, N);
+  // Rows: innovations of the series, innovations of the constant 1, their variances.
+  work.Size(3, N);
   double* Ux = work.data();
   double* U1 = Ux + N;
   double* v = U1 + N;
-  double* ones = v + N;
-  std::fill(ones, ones + N, 1.0);
   const double* w = W.data();
+  const auto series = [w](long i) { return w[i]; };
+  const auto one = [](long) { return 1.0; };
   for (long t = 0; t < N; ++t) {
     inn.Next();
     v[t] = inn.Var();
     if (!(v[t] > 0.0) || !std::isfinite(v[t])) return false;
-    Ux[t] = detail::PredictionError(inn, t, w, Ux);
-    U1[t] = detail::PredictionError(inn, t, ones, U1);
+    Ux[t] = detail::PredictionError(inn, t, series, Ux);
+    U1[t] = detail::PredictionError(inn, t, one, U1);
   }
   // With e = G^-1 W and u = G^-1 1 (R = G G'): e_t = Ux_t / sqrt(v_t), u_t = U1_t / sqrt(v_t).
   double eu = 0.0, uu = 0.0, logDet = 0.0;

@@ -61,16 +61,17 @@ void predictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, 
   y.resize(static_cast<std::size_t>(total), 0.0);
   std::vector<double> U(static_cast<std::size_t>(total), 0.0), vF(static_cast<std::size_t>(h));
   std::vector<double> thF(static_cast<std::size_t>(h) * std::max(m, 1), 0.0);  // rows M..M+h-1
+  const auto past = [&y](long i) { return y[static_cast<std::size_t>(i)]; };
   for (long t = 0; t < total; ++t) {
     inn.Next();
     const double v = inn.Var();
     if (!(v > 0.0) || !std::isfinite(v)) ERaise(msg::NotPositiveDefinite);
     if (t < M) {
-      U[t] = detail::PredictionError(inn, t, y.data(), U.data());
+      U[t] = detail::PredictionError(inn, t, past, U.data());
     } else {
       // Future innovations have conditional mean 0: the forecast is the predictor itself.
       const long k = t - M;
-      y[t] = -detail::PredictionError(inn, t, y.data(), U.data());
+      y[t] = -detail::PredictionError(inn, t, past, U.data());
       vF[k] = v;
       const auto c = inn.Coeffs();
       std::copy(c.begin(), c.end(), thF.begin() + k * m);
