@@ -202,6 +202,19 @@ TEST(SimulateArma, HasTheTheoreticalAutocorrelations) {
   }
 }
 
+TEST(SimulateArima, IntegratesFromTheStartValues) {
+  TVec arma, x, y;
+  RandSeed(9);
+  SimulateArma({0.5}, {0.2}, 6, arma);
+  RandSeed(9);
+  SimulateArima({0.5}, {0.2}, {}, 6, x);
+  EXPECT_EQ(std::vector<double>(x.begin(), x.end()), std::vector<double>(arma.begin(), arma.end()));
+  RandSeed(9);
+  SimulateArima({0.5}, {0.2}, {10, 1}, 6, y);  // level 10, first difference 1, then the ARMA values
+  double level = 10, diff = 1;
+  for (int t = 0; t < 6; level += diff, diff += arma[t], ++t) EXPECT_DOUBLE_EQ(y[t], level) << t;
+}
+
 TEST(TimeSeries, ExactValuesAndBadCalls) {
   TVec a, s, f, e, aux, P{0.5}, T{}, x{1, 2, 4, 3, 5, 6};
   double al = 0.3, be = 0.1, ga = 0.1;

@@ -43,5 +43,20 @@ TEST(ExpSmooth, MatchesTheReferenceFits) {
   EXPECT_EQ(cases, 8);
 }
 
+// The mean of the first four values starts the smoothing only from five values on; any other
+// InitMethod starts from Data[0].
+TEST(ExpSmooth, InitMethodTwoNeedsFiveValues) {
+  for (const TVec& x : {TVec{3, 1, 4, 1}, TVec{3, 1, 4, 1, 5, 9, 2, 6}}) {
+    TVec s1, s2;
+    double a1 = 0.4, a2 = 0.4, a0 = 0.4, a3 = 0.4;
+    const double mse1 = SingleExpSmooth(x, s1, a1, 1), mse2 = SingleExpSmooth(x, s2, a2, 2);
+    EXPECT_EQ(s1.Length(), x.Length() - 1);
+    EXPECT_EQ(mse1 == mse2, x.Length() == 4);
+    EXPECT_EQ(s2[0], x.Length() == 4 ? 3.0 : 2.25);
+    EXPECT_EQ(SingleExpSmooth(x, s2, a0, 0), mse1);
+    EXPECT_EQ(SingleExpSmooth(x, s2, a3, 3), mse1);
+  }
+}
+
 }  // namespace
 }  // namespace statkit::StatTimeSerAnalysis
