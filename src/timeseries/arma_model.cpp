@@ -113,17 +113,9 @@ bool concentratedLikelihood(std::span<const double> Pars, std::span<const double
   return true;
 }
 
-// The likelihood that ArimaMLE minimises: admissible where the AR part is stationary and the MA
-// part invertible, each tested on its own polynomial.
-double separatelyTestedLikelihood(std::span<const double> Pars, std::span<const double> Consts,
-                                  std::span<TObject* const> Objects) {
-  const Orders o = ordersOf(Pars, Consts, detail::ObjectAt<TVec>(Objects, 0).Length());
-  if (!(Invertability(Pars.first(o.p)) < 0.0) || !(Invertability(Pars.subspan(o.p)) < 0.0)) return kPenalty;
-  Likelihood l;
-  return concentratedLikelihood(Pars, Consts, Objects, l) ? l.value : kPenalty;
-}
-
-// The fit runs over unconstrained parameters (Jones 1980; Monahan 1984): the partial
+// ArimaMLE minimises the likelihood where the AR part is stationary and the MA part invertible,
+// each polynomial on its own (not the joint root test of ArimaLike, which refuses admissible
+// models). It runs over unconstrained parameters (Jones 1980; Monahan 1984): the partial
 // autocorrelations r = tanh(u) of each polynomial, |r| < 1, map one to one onto stationary AR and
 // invertible MA coefficients through the Durbin-Levinson step, so the objective has no boundary.
 void toCoefficients(std::span<const double> u, std::span<double> coef) {
@@ -140,6 +132,25 @@ std::vector<double> toUnconstrained(std::span<const double> coef) {
   Statistics::PACF(rho, ar, pac, err);
   for (std::size_t k = 0; k < u.size(); ++k) u[k] = std::atanh(pac[static_cast<int>(k)]);
   return u;
+}
+
+// d coefficients / d u (k x k, row by row), by central differences: the map is smooth and cheap.
+std::vector<double> mapJacobian(std::span<const double> u, int p) {
+  const std::size_t k = u.size();
+  std::vector<double> J(k * k, 0.0), up(u.begin(), u.end()), um(u.begin(), u.end()), cp(k), cm(k);
+  for (std::size_t a = 0; a < k; ++a) {
+    const double h = 1e-5 * std::max(std::fabs(u[a]), 1.0);  // truncation h^2, rounding eps / h: 1e-10
+    up[a] = u[a] + h;
+    um[a] = u[a] - h;
+    const std::size_t ps = static_cast<std::size_t>(p);
+    for (auto [from, to] : {std::pair<std::size_t, std::size_t>{0, ps}, {ps, k}}) {
+      toCoefficients(std::span<const double>(up).subspan(from, to - from), std::span<double>(cp).subspan(from, to - from));
+      toCoefficients(std::span<const double>(um).subspan(from, to - from), std::span<double>(cm).subspan(from, to - from));
+    }
+    for (std::size_t j = 0; j < k; ++j) J[j * k + a] = (cp[j] - cm[j]) / (2.0 * h);
+    up[a] = um[a] = u[a];
+  }
+  return J;
 }
 
 double transformedLikelihood(std::span<const double> U, std::span<const double> Consts,
@@ -265,15 +276,24 @@ int ArimaMLE(const TVec& Data, TVec& P, TVec& T, int d, TVec& Aux) {
   toCoefficients(std::span<const double>(u).subspan(p), std::span<double>(pars).subspan(p));
   Likelihood l;
   const bool admissible = concentratedLikelihood(pars, consts, objects, l);
-  // Standard errors: the inverse of the Hessian of ArimaLike / 2 (the mean and sigma^2 profiled out).
+  // Standard errors: the inverse of the Hessian of ArimaLike / 2 (the mean and sigma^2 profiled
+  // out), differentiated in the unconstrained parameters, where the stencil cannot cross the edge
+  // of the admissible region even next to a unit root, and carried back by the Jacobian J of the
+  // map: at the optimum H_u = J' H J, so H^-1 = J H_u^-1 J'.
   std::vector<double> se(k, NAN);
   if (admissible) {
-    NumericGradHess(separatelyTestedLikelihood, pars, consts, objects, *grad, *m7);
+    NumericGradHess(transformedLikelihood, u, consts, objects, *grad, *m7);
     m7->Scale(0.5);
+    const std::vector<double> J = mapJacobian(u, p);
     try {
       m6->Eye(k, k);
       m7->LUSolve(*m6, *work, mtGeneral);
-      for (int j = 0; j < k; ++j) se[j] = std::sqrt((*work)(j, j));
+      for (int j = 0; j < k; ++j) {
+        double v = 0.0;
+        for (int a = 0; a < k; ++a)
+          for (int b = 0; b < k; ++b) v += J[j * k + a] * (*work)(a, b) * J[j * k + b];
+        se[j] = std::sqrt(v);
+      }
     } catch (const EArrayError&) {  // a singular Hessian leaves the errors NaN
     }
   }
