@@ -52,7 +52,8 @@ void ArmaInnovations::Next() {
   for (long k = t - w; k < t; ++k) {
     const double* thk = &th_[slot(k) * m_];
     double s = kappa(t, k);
-    for (long l = std::max(t - w, k - window(k)); l < k; ++l) s -= thk[k - l - 1] * tht[t - l - 1] * v_[slot(l)];
+    for (long l = std::max(t - w, k - window(k)); l < k; ++l)
+      s -= thk[k - l - 1] * tht[t - l - 1] * v_[slot(l)];
     tht[t - k - 1] = s / v_[slot(k)];
   }
   double v = kappa(t, t);

@@ -27,7 +27,9 @@ public:
   int Row() const { return t_; }
   double Var() const { return v_[slot(t_)]; }
   /// theta_(t,j) at index j - 1, j = 1..Window(t), of the latest row.
-  std::span<const double> Coeffs() const { return {&th_[slot(t_) * m_], static_cast<std::size_t>(window(t_))}; }
+  std::span<const double> Coeffs() const {
+    return {&th_[slot(t_) * m_], static_cast<std::size_t>(window(t_))};
+  }
   /// The number of past innovations that predict row t: t below m, q from m on.
   int window(long t) const { return t < m_ ? static_cast<int>(t) : q_; }
   int m() const { return m_; }

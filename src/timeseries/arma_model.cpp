@@ -42,7 +42,8 @@ struct Orders {
 // Consts = [d, p], converted by truncation once checked: d below 0 differences nothing, d beyond
 // the series' length empties it.
 Orders ordersOf(std::span<const double> Pars, std::span<const double> Consts, int dataLength) {
-  if (Consts.size() < 2 || !std::isfinite(Consts[0]) || !std::isfinite(Consts[1])) ERaise(msg::InvalidParameter);
+  if (Consts.size() < 2 || !std::isfinite(Consts[0]) || !std::isfinite(Consts[1]))
+    ERaise(msg::InvalidParameter);
   if (Consts[1] < 0 || Consts[1] >= static_cast<double>(Pars.size()) + 1) ERaise(msg::InvalidParameter);
   const double d = std::clamp(std::trunc(Consts[0]), 0.0, static_cast<double>(dataLength));
   return {static_cast<int>(d), static_cast<int>(Consts[1])};
@@ -144,8 +145,10 @@ std::vector<double> mapJacobian(std::span<const double> u, int p) {
     um[a] = u[a] - h;
     const std::size_t ps = static_cast<std::size_t>(p);
     for (auto [from, to] : {std::pair<std::size_t, std::size_t>{0, ps}, {ps, k}}) {
-      toCoefficients(std::span<const double>(up).subspan(from, to - from), std::span<double>(cp).subspan(from, to - from));
-      toCoefficients(std::span<const double>(um).subspan(from, to - from), std::span<double>(cm).subspan(from, to - from));
+      toCoefficients(std::span<const double>(up).subspan(from, to - from),
+                     std::span<double>(cp).subspan(from, to - from));
+      toCoefficients(std::span<const double>(um).subspan(from, to - from),
+                     std::span<double>(cm).subspan(from, to - from));
     }
     for (std::size_t j = 0; j < k; ++j) J[j * k + a] = (cp[j] - cm[j]) / (2.0 * h);
     up[a] = um[a] = u[a];
@@ -190,7 +193,7 @@ void descentGradHess(TOptObjective Fun, std::span<const double> Pars, std::span<
 void ArmaAcf(const TVec& P, const TVec& T, int n, TVec& Acf, bool Normalize) {
   if (!(std::max(P.Length(), T.Length()) > 0)) ERaise("not (Max(P.Length,T.Length) > 0)");
   if (n <= 0) ERaise("n <= 0");
-  if (n == INT_MAX) ERaise(msg::IntegerOverflow);  // n + 1 values
+  if (n == INT_MAX) ERaise(msg::IntegerOverflow);                    // n + 1 values
   const std::vector<double> phi = valuesOf(P), theta = valuesOf(T);  // Acf may be P or T
   const int p = P.Length(), q = T.Length(), m = std::max(p, q);
   std::vector<double> phiL(m + 1, 0.0), thetaL(m + 1, 0.0), psi(m + 1, 0.0);
@@ -248,7 +251,8 @@ double Invertability(std::span<const double> A) {
   return 1.0 - smallest;
 }
 
-double ArimaLike(std::span<const double> Pars, std::span<const double> Consts, std::span<TObject* const> Objects) {
+double ArimaLike(std::span<const double> Pars, std::span<const double> Consts,
+                 std::span<TObject* const> Objects) {
   if (Invertability(Pars) > 0.0) return kPenalty;
   Likelihood l;
   return concentratedLikelihood(Pars, Consts, Objects, l) ? l.value : kPenalty;
@@ -269,8 +273,8 @@ int ArimaMLE(const TVec& Data, TVec& P, TVec& T, int d, TVec& Aux) {
   TOptStopReason stop{};
   // Newton steps on the numeric Hessian converge quadratically; the gradient test is relative to
   // max(|f|, 1), with f of the order of N.
-  const int iterations = Marquardt(transformedLikelihood, descentGradHess, u, consts, objects, fMin, *m6, stop,
-                                   1000, 1e-12, 1e-10, 0.01);
+  const int iterations = Marquardt(transformedLikelihood, descentGradHess, u, consts, objects, fMin, *m6,
+                                   stop, 1000, 1e-12, 1e-10, 0.01);
   std::vector<double> pars(k);
   toCoefficients(std::span<const double>(u).first(p), std::span<double>(pars).first(p));
   toCoefficients(std::span<const double>(u).subspan(p), std::span<double>(pars).subspan(p));

@@ -27,7 +27,8 @@ void integrate(std::vector<double>& v, std::size_t from, int times) {
     for (std::size_t i = from + 1; i < v.size(); ++i) v[i] += v[i - 1];
 }
 
-void predictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, TVec& Forecast, TVec& StdErr) {
+void predictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, TVec& Forecast,
+                  TVec& StdErr) {
   const int N = Data.Length();
   if (d < 0 || d >= N) ERaise("PredictArima: d out of range");
   const std::vector<double> data = valuesOf(Data), phi = valuesOf(P), theta = valuesOf(T);
@@ -85,7 +86,8 @@ void predictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, 
     std::fill(e.begin(), e.end(), 0.0);
     for (int k = c; k < h; ++k) {
       const long t = static_cast<long>(M) + k;
-      double r = k == c ? 1.0 : (k - c <= inn.window(t) ? thF[static_cast<std::size_t>(k) * m + (k - c - 1)] : 0.0);
+      double r =
+          k == c ? 1.0 : (k - c <= inn.window(t) ? thF[static_cast<std::size_t>(k) * m + (k - c - 1)] : 0.0);
       if (t >= m)
         for (int i = 0; i < static_cast<int>(phi.size()) && k - 1 - i >= c; ++i) r += phi[i] * e[k - 1 - i];
       e[k] = r;
@@ -148,7 +150,8 @@ void simulateArma(const TVec& P, const TVec& T, int n, TVec& Series) {
 }  // namespace
 
 // The standard containers' std::bad_alloc becomes the array layer's "Out of memory".
-void PredictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, TVec& Forecast, TVec& StdErr) {
+void PredictArima(const TVec& Data, const TVec& P, const TVec& T, int d, int h, TVec& Forecast,
+                  TVec& StdErr) {
   statkit::detail::RaisingOutOfMemory([&] { predictArima(Data, P, T, d, h, Forecast, StdErr); });
 }
 

@@ -37,7 +37,8 @@ double singleObjective(std::span<const double> Pars, std::span<const double> Con
 }
 
 // Pars = [Alpha, Beta]; level from Data[0], trend from Data[1] - Data[0].
-double holtObjective(std::span<const double> Pars, std::span<const double>, std::span<TObject* const> Objects) {
+double holtObjective(std::span<const double> Pars, std::span<const double>,
+                     std::span<TObject* const> Objects) {
   const TVec& data = detail::ObjectAt<TVec>(Objects, 0);
   TVec& smooth = detail::ObjectAt<TVec>(Objects, 1);
   TVec& resid = detail::ObjectAt<TVec>(Objects, 2);

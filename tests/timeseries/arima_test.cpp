@@ -8,8 +8,8 @@
 #include <cmath>
 #include <vector>
 
-#include "statkit/Statistics.h"
 #include "statkit/StatTimeSerAnalysis.h"
+#include "statkit/Statistics.h"
 #include "support/expect.h"
 #include "support/fixture.h"
 
@@ -54,7 +54,8 @@ double denseArimaLike(const TVec& data, const TVec& P, const TVec& T, int d) {
   } catch (const EArrayError&) {
     return kPenalty;
   }
-  std::vector<double> e = forward(G, std::vector<double>(w.begin(), w.end()), n), u = forward(G, std::vector<double>(n, 1.0), n);
+  std::vector<double> e = forward(G, std::vector<double>(w.begin(), w.end()), n),
+                      u = forward(G, std::vector<double>(n, 1.0), n);
   double eu = 0, uu = 0, ss = 0, logDet = 0;
   for (int i = 0; i < n; ++i) eu += e[i] * u[i], uu += u[i] * u[i], logDet += 2 * std::log(G(i, i));
   for (int i = 0; i < n; ++i) ss += std::pow(e[i] - eu / uu * u[i], 2);
@@ -85,9 +86,18 @@ struct Model {
 
 TEST(ArimaLike, EqualsTheDenseDefinition) {
   const std::vector<Model> models = {
-      {{0.5}, {}},          {{0.995}, {}},        {{1.2, -0.5}, {}},     {{}, {0.6}},
-      {{}, {-0.99}},        {{}, {0.5, -0.3}},    {{0.7}, {-0.4}},       {{1.1, -0.3}, {0.5}},
-      {{0.3}, {0.2, -0.4}}, {{0.6}, {0.6}},        {{1.5}, {}},           {{1.2}, {-0.8}},  // penalty cases
+      {{0.5}, {}},
+      {{0.995}, {}},
+      {{1.2, -0.5}, {}},
+      {{}, {0.6}},
+      {{}, {-0.99}},
+      {{}, {0.5, -0.3}},
+      {{0.7}, {-0.4}},
+      {{1.1, -0.3}, {0.5}},
+      {{0.3}, {0.2, -0.4}},
+      {{0.6}, {0.6}},
+      {{1.5}, {}},
+      {{1.2}, {-0.8}},  // penalty cases
       {{0.2, 0.1, 0.3}, {0.5, 0.2}},
   };
   for (int d = 0; d <= 2; ++d)
@@ -95,7 +105,8 @@ TEST(ArimaLike, EqualsTheDenseDefinition) {
       for (const Model& m : models) {
         const TVec data = simulated({0.7}, {0.3}, d, n, 5.0);
         const double dense = denseArimaLike(data, m.P, m.T, d), fast = arimaLike(data, m.P, m.T, d);
-        SCOPED_TRACE("d " + std::to_string(d) + " n " + std::to_string(n) + " p " + std::to_string(m.P.Length()));
+        SCOPED_TRACE("d " + std::to_string(d) + " n " + std::to_string(n) + " p " +
+                     std::to_string(m.P.Length()));
         // Cholesky and innovations round differently; 1e-10 relative, or 1e-10 N where the value is near 0.
         EXPECT_NEAR(fast, dense, 1e-10 * std::max(std::fabs(dense), double(n)));
       }
@@ -157,7 +168,9 @@ void densePredict(const TVec& data, const TVec& P, const TVec& T, int d, int h, 
       for (int b = 0; b <= k; ++b) {
         double c = rho[std::abs(a - b)];
         for (int j = 0; j < M; ++j) c -= V[a][j] * V[b][j];
-        auto weight = [d](int i) { return d == 0 ? double(i == 0) : std::tgamma(i + d) / std::tgamma(i + 1) / std::tgamma(d); };
+        auto weight = [d](int i) {
+          return d == 0 ? double(i == 0) : std::tgamma(i + d) / std::tgamma(i + 1) / std::tgamma(d);
+        };
         v += weight(k - a) * weight(k - b) * c;
       }
     se[k] = s * std::sqrt(v);
@@ -165,14 +178,17 @@ void densePredict(const TVec& data, const TVec& P, const TVec& T, int d, int h, 
   std::vector<double> x(data.end() - d, data.end());
   for (int k = 0; k < h; ++k) {  // undo the differences: x_(N+k) from the d values before it
     double next = f[k] + (d == 0 ? mean : 0.0);
-    for (int j = 1; j <= d; ++j) next -= std::tgamma(d + 1) / std::tgamma(j + 1) / std::tgamma(d - j + 1) * (j % 2 ? -1 : 1) * x[x.size() - j];
+    for (int j = 1; j <= d; ++j)
+      next -= std::tgamma(d + 1) / std::tgamma(j + 1) / std::tgamma(d - j + 1) * (j % 2 ? -1 : 1) *
+              x[x.size() - j];
     x.push_back(next);
     f[k] = next;
   }
 }
 
 TEST(PredictArima, EqualsDenseConditioning) {
-  const std::vector<Model> models = {{{0.5}, {}}, {{}, {0.6, -0.2}}, {{1.1, -0.3}, {0.5}}, {{0}, {}}, {{0.9}, {-0.5}}};
+  const std::vector<Model> models = {
+      {{0.5}, {}}, {{}, {0.6, -0.2}}, {{1.1, -0.3}, {0.5}}, {{0}, {}}, {{0.9}, {-0.5}}};
   for (int d = 0; d <= 2; ++d)
     for (int n : {d + 1, d + 2, 40})
       for (const Model& m : models) {
@@ -197,7 +213,8 @@ TEST(SimulateArma, HasTheTheoreticalAutocorrelations) {
   Statistics::ACF(x, r, 5);
   for (int k = 1; k <= 5; ++k) {  // Bartlett's variance of the sample autocorrelation
     double v = 0;
-    for (int j = 1; j + k <= 300; ++j) v += std::pow(rho[j + k] + rho[std::abs(j - k)] - 2 * rho[j] * rho[k], 2);
+    for (int j = 1; j + k <= 300; ++j)
+      v += std::pow(rho[j + k] + rho[std::abs(j - k)] - 2 * rho[j] * rho[k], 2);
     EXPECT_NEAR(r[k], rho[k], 5 * std::sqrt(v / x.Length())) << k;
   }
 }
@@ -241,7 +258,10 @@ TEST(TimeSeries, ExactValuesAndBadCalls) {
       {"TripleExpSmooth: Period < 2", [&] { TripleExpSmooth(x, s, al, be, ga, 1); }},
       {"TripleExpSmooth: Data.Length < 2 Period", [&] { TripleExpSmooth(x, s, al, be, ga, 4); }},
       {"SimulateArma: AR part not stationary", [&] { SimulateArma({1.0}, {}, 10, s); }},
-      {"SimulateArma: AR part not stationary", [&] { SimulateArma({0.5, 0.5}, {0.3}, 10, s); }},
+      {"SimulateArma: AR part not stationary",
+       [&] {
+         SimulateArma({0.5, 0.5}, {0.3}, 10, s);
+       }},
       {"PredictArima: d out of range", [&] { PredictArima(x, P, T, -1, 3, f, e); }},
       {"PredictArima: d out of range", [&] { PredictArima(x, P, T, 6, 3, f, e); }},
       {"not (Max(P.Length,T.Length) > 0)", [&] { PredictArima(x, {}, {}, 1, 3, f, e); }},

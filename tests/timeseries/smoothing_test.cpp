@@ -27,7 +27,8 @@ TEST(ExpSmooth, MatchesTheReferenceFits) {
     const std::vector<double> fitted = r.Nums("fitted"), expected = r.Nums("smooth");
     // Marquardt stops at 1e-8 in the constants and the gradient: the constants agree to 1e-5 and
     // the mean squared error, quadratic at its minimum, to 1e-9.
-    for (std::size_t j = 0; j < fitted.size(); ++j) EXPECT_NEAR(c[j], fitted[j], 1e-5 * std::max(1.0, std::fabs(fitted[j])));
+    for (std::size_t j = 0; j < fitted.size(); ++j)
+      EXPECT_NEAR(c[j], fitted[j], 1e-5 * std::max(1.0, std::fabs(fitted[j])));
     ASSERT_EQ(smooth.Length(), static_cast<int>(expected.size()));
     double ss = 0.0;
     for (int i = 0; i < smooth.Length(); ++i) {
