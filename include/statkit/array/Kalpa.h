@@ -550,4 +550,9 @@ STATKIT_API void PolyRoots(TVec& Roots, const TVec& Coeffs);
 /// leaves them empty. A zero error variance divides by zero the IEEE way.
 STATKIT_API void DurbinLevinson(const TVec& R, TVec& Phi, TVec& Reflection, TVec& ErrVar);
 
+/// \brief One step of the Durbin-Levinson recursion: the order-k autoregressive coefficients in
+/// \p Phi[0..k-2] become those of order k = Phi.size() with the reflection coefficient (partial
+/// autocorrelation) \p Reflection, which is written to Phi[k-1].
+STATKIT_API void LevinsonStepUp(std::span<double> Phi, double Reflection);
+
 }  // namespace statkit

@@ -50,21 +50,31 @@ void TMtx::VanderMonde(int Cols, const TVec& Vec) {
   });
 }
 
+void LevinsonStepUp(std::span<double> Phi, double Reflection) {
+  const std::size_t k = Phi.size();
+  if (k == 0) ERaise(msg::EmptyVector);
+  // phi_j <- phi_j - r phi_(k-j) over the order k - 1 coefficients, in symmetric pairs so that
+  // each pair is read before it is replaced
+  for (std::size_t j = 0, l = k - 2; j + 1 < k && j <= l; ++j, --l) {
+    const double a = Phi[j], b = Phi[l];
+    Phi[j] = a - Reflection * b;
+    if (j != l) Phi[l] = b - Reflection * a;
+  }
+  Phi[k - 1] = Reflection;
+}
+
 void DurbinLevinson(const TVec& R, TVec& Phi, TVec& Reflection, TVec& ErrVar) {
   detail::RaisingOutOfMemory([&] {
     detail::RequireReal(R);
     const std::vector<double> r(R.begin(), R.end());  // read before any output is sized
     const int m = r.empty() ? 0 : static_cast<int>(r.size()) - 1;
-    std::vector<double> phi(m, 0.0), prev(m), pac(m), err(m, 0.0);
+    std::vector<double> phi(m, 0.0), pac(m), err(m, 0.0);
     if (m > 0) err[0] = r[0];
     for (int k = 0; k < m; ++k) {
       double s = 0.0;
       for (int j = 0; j < k; ++j) s += phi[j] * r[k - j];
-      phi[k] = (r[k + 1] - s) / err[k];
-      pac[k] = phi[k];
-      // the order-(k+1) coefficients from the order-k ones, all read before any is replaced
-      std::copy(phi.begin(), phi.begin() + k, prev.begin());
-      for (int j = 0; j < k; ++j) phi[j] = prev[j] - phi[k] * prev[k - 1 - j];
+      pac[k] = (r[k + 1] - s) / err[k];
+      LevinsonStepUp(std::span<double>(phi.data(), static_cast<std::size_t>(k) + 1), pac[k]);
       if (k < m - 1) err[k + 1] = err[k] * (1.0 - phi[k] * phi[k]);
     }
     const auto store = [m](TVec& dst, const std::vector<double>& v) {
