@@ -74,64 +74,83 @@ double smirnovUpper(int n, double d) {
 
 // P(D_n < d) for 0.5 < n d and n d^2 < 4, by Durbin's matrix: with k = ceil(n d), h = k - n d and the
 // m x m matrix H, m = 2k - 1, of Marsaglia, Tsang and Wang (2003), P = n!/n^n (H^n)_kk. H^n e_k is
-// built by n products with H, which is Toeplitz (entries 1/r!) but for its first column and last row:
-// each product costs m L, where L is the width of the band kept: entries below 1/(L+1)! are dropped,
-// chosen so that the probability they carry, under n/(L+1)!, stays below 1e-20. The factor n!/n^n
-// enters one i/n per product and powers of two keep the vector in range. Long double: the sum
-// 1 - P must hold 1e-15 absolute, and the rounding of the coefficients repeats at every product.
+// built by n products with H, which is Toeplitz (entries 1/r!) but for its first column and last row;
+// each product costs m (L + 1), L the width of the band kept: entries below 1/(L+1)! are dropped, L
+// chosen so that the probability they carry, under n/(L+1)!, stays below 1e-20.
+// Accuracy: 1 - P must hold 1e-15 absolute after n products. The entries are scaled by 18!, which
+// makes 18!/r! whole numbers, exact in double: rounded ones would repeat their error at every product
+// (3e-13 at n = 10^5); what remains is the rounding of the sums, which does not accumulate one way.
+// The factor n!/(n^n 18!^n) is gathered apart in long double; powers of two keep the vector in range.
 long double durbinCdf(int n, double d) {
+  constexpr double kScale = 6402373705728000.0;  // 18!
   const long double nd = static_cast<long double>(n) * d;  // exact but for the last of 64 bits
   const int k = static_cast<int>(std::ceil(nd));
   const int m = 2 * k - 1;
   const long double h = k - nd, g = nd - (k - 1);  // g = 1 - h without its cancellation
   int L = 1;
   for (long double mass = n; L < m && mass > 1e-20L; ++L) mass /= L + 1;  // n / L!
-  // 1/r! (r! up to 25 is exact in 64 bits) and (1 - h^r)/r!, the first column and, read
-  // backwards, the last row; the corner only where the band reaches it.
-  std::vector<long double> invFact(static_cast<std::size_t>(L) + 2), edge(invFact.size());
-  long double fact = 1;
-  for (std::size_t r = 0; r < invFact.size(); ++r) {
+  // 18!/r!, reversed so that an inner row is a dot product with the vector; (1 - h^r) 18!/r!, the
+  // first column and, read backwards, the last row; the corner only where the band reaches it.
+  const std::size_t width = static_cast<std::size_t>(L) + 1;
+  std::vector<double> reversed(width), edge(width + 1);
+  long double fact = 1;  // r! up to 25 is exact in 64 bits
+  for (std::size_t r = 0; r <= width; ++r) {
     if (r > 0) fact *= static_cast<long double>(r);
-    invFact[r] = 1 / fact;
-    edge[r] = -std::expm1(static_cast<long double>(r) * std::log1p(-g)) * invFact[r];
+    if (r < width) reversed[width - 1 - r] = static_cast<double>(kScale / fact);
+    edge[r] = static_cast<double>(-std::expm1(static_cast<long double>(r) * std::log1p(-g)) * kScale / fact);
   }
-  long double corner = 0;
+  double corner = 0;
   if (m <= L) {
     const long double a = std::pow(h, static_cast<long double>(m)), twoH = 2 * h - 1;
-    corner = (1 - 2 * a + (twoH > 0 ? std::pow(twoH, static_cast<long double>(m)) : 0)) * invFact[m];
+    long double mFact = 1;
+    for (int r = 2; r <= m; ++r) mFact *= r;
+    corner = static_cast<double>((1 - 2 * a + (twoH > 0 ? std::pow(twoH, static_cast<long double>(m)) : 0)) *
+                                 kScale / mFact);
   }
-  std::vector<long double> current(static_cast<std::size_t>(m), 0.0L), next(current.size());
+  std::vector<double> current(static_cast<std::size_t>(m), 0.0), next(current.size());
   current[static_cast<std::size_t>(k - 1)] = 1;
   long exponent = 0;
-  const long double* c = invFact.data();
+  long double factor = 1;  // n!/(n^n 18!^n) so far, its binary exponent in exponent
+  const double* rc = reversed.data();
   for (int step = 1; step <= n; ++step) {
-    const long double scale = static_cast<long double>(step) / n;
-    const long double* w = current.data();
-    long double* out = next.data();
-    long double biggest = 0;
+    const double* w = current.data();
+    double* out = next.data();
+    double biggest = 0;
     for (int s = 0; s < m; ++s) {
       const int lo = std::max(0, s + 1 - L), hi = std::min(s + 1, m - 1);
-      long double acc = 0;
-      if (s < m - 1) {
-        int t = lo;
-        if (t == 0) acc = edge[static_cast<std::size_t>(s) + 1] * w[0], t = 1;
-        for (; t <= hi; ++t) acc += c[s - t + 1] * w[t];
+      double acc = 0;
+      if (lo > 0 && hi == s + 1) {  // an inner row: the whole band, entries 18!/r!
+        const double* wt = w + lo;
+        double a1 = 0, a2 = 0, a3 = 0;
+        int u = 0;
+        for (; u + 3 <= L; u += 4)
+          acc += rc[u] * wt[u], a1 += rc[u + 1] * wt[u + 1], a2 += rc[u + 2] * wt[u + 2], a3 += rc[u + 3] * wt[u + 3];
+        for (; u <= L; ++u) acc += rc[u] * wt[u];
+        acc += a1 + a2 + a3;
       } else {
-        for (int t = lo; t <= hi; ++t) acc += (t == 0 ? corner : edge[static_cast<std::size_t>(m - t)]) * w[t];
+        for (int t = lo; t <= hi; ++t) {
+          const double coef = s == m - 1 ? (t == 0 ? corner : edge[static_cast<std::size_t>(m - t)])
+                              : t == 0   ? edge[static_cast<std::size_t>(s) + 1]
+                                         : rc[L - (s - t + 1)];
+          acc += coef * w[t];
+        }
       }
-      out[s] = acc * scale;
-      biggest = std::max(biggest, out[s]);
+      out[s] = acc;
+      biggest = std::max(biggest, acc);
     }
     current.swap(next);
     if (biggest == 0) return 0;
     int e = 0;
+    factor = std::frexp(factor * (static_cast<long double>(step) / n / kScale), &e);
+    exponent += e;
     (void)std::frexp(biggest, &e);
-    if (e < -4096 || e > 4096) {
+    if (e < -256 || e > 256) {
       for (auto& v : current) v = std::ldexp(v, -e);
       exponent += e;
     }
   }
-  const long double P = std::ldexp(current[static_cast<std::size_t>(k - 1)], static_cast<int>(std::max(exponent, -100000L)));
+  const long double P = std::ldexp(current[static_cast<std::size_t>(k - 1)] * factor,
+                                   static_cast<int>(std::max(exponent, -100000L)));
   return std::min<long double>(P, 1);
 }
 
