@@ -101,7 +101,7 @@ long double durbinCdf(int n, double d) {
   for (std::size_t r = 0; r <= width; ++r) {
     if (r > 0) fact *= static_cast<long double>(r);
     if (r < width) reversed[width - 1 - r] = static_cast<double>(kScale / fact);
-    edge[r] = static_cast<double>(-std::expm1(static_cast<long double>(r) * std::log1p(-g)) * kScale / fact);
+    edge[r] = r == 0 ? 0.0 : static_cast<double>(-std::expm1(static_cast<long double>(r) * std::log1p(-g)) * kScale / fact);
   }
   double corner = 0;
   if (m <= L) {

@@ -89,3 +89,9 @@ for n, scale in [(5, 1), (20, 1.2), (140, 1), (500, 1.4), (2000, 1), (10000, 1.1
 ux = np.array([0.0, 0.25, 0.5, 0.75, 1.0])
 ks_case(rng.uniform(0, 1, 25), ux, ux)
 ks_case(rng.beta(2, 1, 400), ux[::-1], ux[::-1])
+# 3 10^4 and 10^5 values by their statistic: the spread sample (i - 1/2)/n + delta against the uniform
+# table has D = D- = 1/(2n) + delta and D+ = 1/(2n) - delta < 0 (n D^2 = 3.9 and 1).
+for n, x2 in [(30000, 3.9), (100000, 1.0)]:
+    delta = np.sqrt(x2 / n) - 0.5 / n
+    d = 0.5 / n + delta
+    out.record(kind="spread", n=n, delta=delta, p=[durbin_sf(n, d), 1.0, special.smirnov(n, d)])

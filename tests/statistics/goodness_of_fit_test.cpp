@@ -18,14 +18,18 @@ TEST(GoodnessOfFit, MatchesReference) {
       });
       continue;
     }
-    const TVec x = r.Vec("x"), cx = r.Has("cdfx") ? r.Vec("cdfx") : TVec{}, cy = r.Has("cdfx") ? r.Vec("cdfy") : TVec{};
+    // A spread sample (i - 1/2)/n + delta against the uniform table, else the record's sample.
+    const bool spread = r.Str("kind") == "spread", table = spread || r.Has("cdfx");
+    TVec x = spread ? TVec(r.Int("n")) : r.Vec("x"), cx = spread ? TVec{0.0, 1.0} : table ? r.Vec("cdfx") : TVec{};
+    const TVec cy = spread ? cx : table ? r.Vec("cdfy") : TVec{};
+    for (int i = 0; spread && i < x.Length(); ++i) x[i] = (i + 0.5) / x.Length() + r.Num("delta");
     const auto expected = r.Nums("p");
-    SCOPED_TRACE("Kolmogorov n = " + std::to_string(x.Length()) + (r.Has("cdfx") ? " tabulated" : " normal"));
+    SCOPED_TRACE("Kolmogorov n = " + std::to_string(x.Length()) + (table ? " tabulated" : " normal"));
     for (int h = 0; h < 3; ++h) {
       PoolBalance balance;
       THypothesisResult res = hrNan;
       double p = -1.0;
-      GOFKolmogorov(x, res, p, r.Has("cdfx") ? &cx : nullptr, r.Has("cdfx") ? &cy : nullptr, kAlternatives[h], 0.05);
+      GOFKolmogorov(x, res, p, table ? &cx : nullptr, table ? &cy : nullptr, kAlternatives[h], 0.05);
       EXPECT_EQ(res, ExpectedDecision(expected[h], 0.05));
       // Two-sided: 1 - P holds about 1e-16 absolute, and twice the one-sided tail beyond n D^2 = 4 omits
       // the chance of crossing both lines (below 4e-11 of it). One-sided: positive terms, each to a few eps.
