@@ -20,10 +20,9 @@ namespace {
 // tabulated to 15 (computed at 40 digits), from there its asymptotic series, to a few eps.
 double stirlingError(double k) {
   static constexpr double kSmall[] = {
-      8.106146679532725822e-2, 4.1340695955409294094e-2, 2.7677925684998339149e-2,
-      2.0790672103765093112e-2, 1.6644691189821192163e-2, 1.3876128823070747999e-2,
-      1.1896709945891770095e-2, 1.0411265261972096497e-2, 9.2554621827127329177e-3,
-      8.3305634333628712565e-3, 7.573675487951840795e-3, 6.9428401072095298657e-3,
+      8.106146679532725822e-2,  4.1340695955409294094e-2, 2.7677925684998339149e-2, 2.0790672103765093112e-2,
+      1.6644691189821192163e-2, 1.3876128823070747999e-2, 1.1896709945891770095e-2, 1.0411265261972096497e-2,
+      9.2554621827127329177e-3, 8.3305634333628712565e-3, 7.573675487951840795e-3,  6.9428401072095298657e-3,
       6.4089941880042070684e-3, 5.9513701127588477356e-3, 5.554733551962801371e-3};
   if (k <= 15) return kSmall[static_cast<int>(k) - 1];
   const double k2 = k * k;
@@ -65,7 +64,8 @@ double smirnovUpper(int n, double d) {
     const double up = N - j - nd;  // n (1 - v), the mean count of the other outcome
     if (!(up > 0.0)) break;
     const double rest = N - j;
-    const double lc = stirN - stirlingError(j) - stirlingError(rest) - deviance(j, nd + j) - deviance(rest, up);
+    const double lc =
+        stirN - stirlingError(j) - stirlingError(rest) - deviance(j, nd + j) - deviance(rest, up);
     const double b = std::exp(lc) * std::sqrt(N / (2.0 * std::numbers::pi * j * rest));
     // Compensated: up to n terms, whose plain sum would drift by n eps (1e-9 at n = 10^7).
     const double term = nd / (nd + j) * b, next = sum + term;
@@ -86,7 +86,7 @@ double smirnovUpper(int n, double d) {
 // (3e-13 at n = 10^5); what remains is the rounding of the sums, which does not accumulate one way.
 // The factor n!/(n^n 18!^n) is gathered apart in long double; powers of two keep the vector in range.
 long double durbinCdf(int n, double d) {
-  constexpr double kScale = 6402373705728000.0;  // 18!
+  constexpr double kScale = 6402373705728000.0;            // 18!
   const long double nd = static_cast<long double>(n) * d;  // exact but for the last of 64 bits
   const int k = static_cast<int>(std::ceil(nd));
   const int m = 2 * k - 1;
@@ -101,7 +101,10 @@ long double durbinCdf(int n, double d) {
   for (std::size_t r = 0; r <= width; ++r) {
     if (r > 0) fact *= static_cast<long double>(r);
     if (r < width) reversed[width - 1 - r] = static_cast<double>(kScale / fact);
-    edge[r] = r == 0 ? 0.0 : static_cast<double>(-std::expm1(static_cast<long double>(r) * std::log1p(-g)) * kScale / fact);
+    edge[r] =
+        r == 0
+            ? 0.0
+            : static_cast<double>(-std::expm1(static_cast<long double>(r) * std::log1p(-g)) * kScale / fact);
   }
   double corner = 0;
   if (m <= L) {
@@ -202,8 +205,8 @@ void GOFChi2Test(const TVec& O, const TVec& E, int /*SampleSize*/, int DegFreedo
   });
 }
 
-void GOFKolmogorov(const TVec& Data, THypothesisResult& hRes, double& Signif, const TVec* CDFx, const TVec* CDFy,
-                   THypothesisType hType, double Alpha) {
+void GOFKolmogorov(const TVec& Data, THypothesisResult& hRes, double& Signif, const TVec* CDFx,
+                   const TVec* CDFy, THypothesisType hType, double Alpha) {
   if (Data.Complex()) ERaise("GOFKolmogorov: Data.Complex");
   core::Guarded("GOFKolmogorov : ", [&] {
     const bool table = CDFx && CDFy;
@@ -240,9 +243,15 @@ void GOFKolmogorov(const TVec& Data, THypothesisResult& hRes, double& Signif, co
     }
     if (undefined) dPlus = dMinus = NAN;
     switch (hType) {
-      case htRightTailed: Signif = smirnovUpper(n, dPlus); break;
-      case htLeftTailed: Signif = smirnovUpper(n, dMinus); break;
-      default: Signif = kolmogorovUpper(n, std::max(dPlus, dMinus)); break;
+      case htRightTailed:
+        Signif = smirnovUpper(n, dPlus);
+        break;
+      case htLeftTailed:
+        Signif = smirnovUpper(n, dMinus);
+        break;
+      default:
+        Signif = kolmogorovUpper(n, std::max(dPlus, dMinus));
+        break;
     }
     hRes = core::Decide(Signif, Alpha);
   });

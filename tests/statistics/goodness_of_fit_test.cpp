@@ -20,7 +20,9 @@ TEST(GoodnessOfFit, MatchesReference) {
     }
     // A spread sample (i - 1/2)/n + delta against the uniform table, else the record's sample.
     const bool spread = r.Str("kind") == "spread", table = spread || r.Has("cdfx");
-    TVec x = spread ? TVec(r.Int("n")) : r.Vec("x"), cx = spread ? TVec{0.0, 1.0} : table ? r.Vec("cdfx") : TVec{};
+    TVec x = spread ? TVec(r.Int("n")) : r.Vec("x"), cx = spread  ? TVec{0.0, 1.0}
+                                                          : table ? r.Vec("cdfx")
+                                                                  : TVec{};
     const TVec cy = spread ? cx : table ? r.Vec("cdfy") : TVec{};
     for (int i = 0; spread && i < x.Length(); ++i) x[i] = (i + 0.5) / x.Length() + r.Num("delta");
     const auto expected = r.Nums("p");
@@ -33,12 +35,14 @@ TEST(GoodnessOfFit, MatchesReference) {
       EXPECT_EQ(res, ExpectedDecision(expected[h], 0.05));
       // Two-sided: 1 - P holds about 1e-16 absolute, and twice the one-sided tail beyond n D^2 = 4 omits
       // the chance of crossing both lines (below 4e-11 of it). One-sided: positive terms, each to a few eps.
-      const double err = std::fabs(p - expected[h]), tol = h == 0 ? 1e-10 * expected[h] + 1e-15 : 1e-12 * expected[h];
+      const double err = std::fabs(p - expected[h]),
+                   tol = h == 0 ? 1e-10 * expected[h] + 1e-15 : 1e-12 * expected[h];
       EXPECT_LE(err, tol) << THypothesisTypeNames[h] << " " << p << " vs " << expected[h];
       (h == 0 ? worstTwo : worstOne) = std::max(h == 0 ? worstTwo : worstOne, err / tol);
     }
   }
-  std::printf("Kolmogorov: worst error %.2g of the tolerance one-sided, %.2g two-sided\n", worstOne, worstTwo);
+  std::printf("Kolmogorov: worst error %.2g of the tolerance one-sided, %.2g two-sided\n", worstOne,
+              worstTwo);
 }
 
 TEST(GoodnessOfFit, BadCallsRaiseExactMessages) {
@@ -59,17 +63,21 @@ TEST(GoodnessOfFit, BadCallsRaiseExactMessages) {
        [&] { GOFKolmogorov(empty, h, p, &three, &four, tt, 0.05); }},
       {"GOFKolmogorov : Empty vector", [&] { GOFKolmogorov(empty, h, p, nullptr, nullptr, tt, 0.05); }},
       {"GOFKolmogorov : Empty vector", [&] { GOFKolmogorov(three, h, p, &empty, &empty, tt, 0.05); }},
-      {"GOFKolmogorov : Complex data not supported", [&] { GOFKolmogorov(three, h, p, &c3, &three, tt, 0.05); }},
+      {"GOFKolmogorov : Complex data not supported",
+       [&] { GOFKolmogorov(three, h, p, &c3, &three, tt, 0.05); }},
   };
-  ExpectEachRaises(cases, [&](const RaiseCase&) { EXPECT_TRUE(h == hrNotReject && p == 0.25) << "output written"; });
+  ExpectEachRaises(cases,
+                   [&](const RaiseCase&) { EXPECT_TRUE(h == hrNotReject && p == 0.25) << "output written"; });
 }
 
 // Where the reference cannot say: half a table (ignored: the standard normal, not a fitted law), a step
 // in the table (at a repeated abscissa its last point holds: F(0.5) = 0.8; for one value P(D+ >= d) is
 // 1 - d), NaNs, an empty expected cell without a count (0/0), no degrees of freedom, an unchecked level.
 TEST(GoodnessOfFit, EdgesOfTheReferenceAndUndecidableSamples) {
-  const TVec x{-0.3, 1.2, 0.4, -1.9, 0.05}, flat{0.0, 1.0}, stepX{0.0, 0.5, 0.5, 1.0}, stepY{0.0, 0.2, 0.8, 1.0};
-  const TVec half{0.5}, withNaN{0.1, NAN, 0.3}, tableNaN{0.0, NAN, 0.7, 1.0}, O{4.0, 0.0, 6.0}, E{5.0, 0.0, 5.0};
+  const TVec x{-0.3, 1.2, 0.4, -1.9, 0.05}, flat{0.0, 1.0}, stepX{0.0, 0.5, 0.5, 1.0},
+      stepY{0.0, 0.2, 0.8, 1.0};
+  const TVec half{0.5}, withNaN{0.1, NAN, 0.3}, tableNaN{0.0, NAN, 0.7, 1.0}, O{4.0, 0.0, 6.0},
+      E{5.0, 0.0, 5.0};
   double normal = 0.0;
   THypothesisResult hn = hrNan;
   GOFKolmogorov(x, hn, normal, nullptr, nullptr, htTwoTailed, 0.05);
@@ -77,10 +85,14 @@ TEST(GoodnessOfFit, EdgesOfTheReferenceAndUndecidableSamples) {
   const std::tuple<Call, THypothesisResult, double> cases[] = {
       {[&](auto& h, double& p) { GOFKolmogorov(x, h, p, nullptr, &flat, htTwoTailed, 0.05); }, hn, normal},
       {[&](auto& h, double& p) { GOFKolmogorov(x, h, p, &flat, nullptr, htTwoTailed, 0.05); }, hn, normal},
-      {[&](auto& h, double& p) { GOFKolmogorov(half, h, p, &stepX, &stepY, htRightTailed, 0.05); }, hrNotReject, 0.8},
-      {[&](auto& h, double& p) { GOFKolmogorov(half, h, p, &stepX, &stepY, htLeftTailed, 0.05); }, hrNotReject, 0.2},
-      {[&](auto& h, double& p) { GOFKolmogorov(withNaN, h, p, nullptr, nullptr, htTwoTailed, 0.05); }, hrNan, NAN},
-      {[&](auto& h, double& p) { GOFKolmogorov(x, h, p, &tableNaN, &stepY, htLeftTailed, 0.05); }, hrNan, NAN},
+      {[&](auto& h, double& p) { GOFKolmogorov(half, h, p, &stepX, &stepY, htRightTailed, 0.05); },
+       hrNotReject, 0.8},
+      {[&](auto& h, double& p) { GOFKolmogorov(half, h, p, &stepX, &stepY, htLeftTailed, 0.05); },
+       hrNotReject, 0.2},
+      {[&](auto& h, double& p) { GOFKolmogorov(withNaN, h, p, nullptr, nullptr, htTwoTailed, 0.05); }, hrNan,
+       NAN},
+      {[&](auto& h, double& p) { GOFKolmogorov(x, h, p, &tableNaN, &stepY, htLeftTailed, 0.05); }, hrNan,
+       NAN},
       {[&](auto& h, double& p) { GOFChi2Test(O, E, 10, 1, h, p, htRightTailed, 0.05); }, hrNan, NAN},
       {[&](auto& h, double& p) { GOFChi2Test(x, x, 0, 0, h, p, htRightTailed, 0.05); }, hrNan, NAN},
       {[&](auto& h, double& p) { GOFChi2Test(x, x, 0, 4, h, p, htRightTailed, 2.0); }, hrReject, 1.0},
