@@ -192,11 +192,12 @@ STATKIT_API void GOFChi2Test(const TVec& O, const TVec& E, int SampleSize, int D
                              double& Signif, THypothesisType hType, double Alpha);
 /// \brief Kolmogorov's test of \p Data against the standard normal or, when \p CDFx and \p CDFy are both
 /// given, the table of points (CDFx[i], CDFy[i]), interpolated linearly and held at its first and last
-/// ordinates outside its abscissae. D+ = max(i/n - F(x(i))) and D- = max(F(x(i)) - (i-1)/n) over the
-/// sorted sample; \p Signif is the exact upper-tail probability of D = max(D+, D-) (htTwoTailed), of D+
-/// (htRightTailed) or of D- (htLeftTailed). A NaN in the sample or the table decides hrNan; an empty
-/// sample or table raises. Cost beyond the sort: O(n) one-sided; two-sided about 25 n (2 n D + 1) steps
-/// while n D^2 < 4, O(n) beyond (10^5 values within a second).
+/// ordinates outside its abscissae (at an abscissa given twice, a step, the later of its points holds).
+/// D+ = max(i/n - F(x(i))) and D- = max(F(x(i)) - (i-1)/n) over the sorted sample; \p Signif is the
+/// exact upper-tail probability of D = max(D+, D-) (htTwoTailed), of D+ (htRightTailed) or of D-
+/// (htLeftTailed). A NaN in the sample or the table decides hrNan; an empty sample or table raises.
+/// Cost beyond the sort: O(n) one-sided; two-sided about 25 n (2 n D + 1) steps while n D^2 < 4,
+/// O(n) beyond (10^5 values within a second).
 STATKIT_API void GOFKolmogorov(const TVec& Data, THypothesisResult& hRes, double& Signif, const TVec* CDFx,
                                const TVec* CDFy, THypothesisType hType, double Alpha);
 
