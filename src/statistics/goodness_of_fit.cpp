@@ -1,7 +1,8 @@
 // Goodness of fit: Pearson's chi-square test of observed against expected frequencies, and the
 // Kolmogorov test of a sample against the standard normal or a tabulated distribution function with
 // the exact laws of its statistics: the one-sided law by Birnbaum and Tingey's (1951) sum, the
-// two-sided by Durbin's (1973) matrix as Marsaglia, Tsang and Wang (2003) write it.
+// two-sided by Durbin's (1973) matrix as Marsaglia, Tsang and Wang (2003) write it, or in its far tail
+// as twice the one-sided law (Miller 1956; Simard and L'Ecuyer 2011 for where each method holds).
 
 #include <algorithm>
 #include <cmath>
