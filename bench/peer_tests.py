@@ -43,9 +43,18 @@ def wilcoxon():
     return lambda: stats.wilcoxon(d, method="exact")
 
 
+def kolmogorov(seed, n, shift=0.0):
+    x = normals(seed, n) + shift
+    return lambda: stats.kstest(x, stats.norm.cdf, method="exact")
+
+
 PEERS = {
     "BM_ShapiroWilks5000": shapiro,
     "BM_tTestTwoSamples1e7": ttest,
     "BM_SpearmanRankCorr1e6": spearman,
     "BM_WilcoxonSignExact14": wilcoxon,
+    "BM_GOFKolmogorov100": lambda: kolmogorov(7, 100),
+    "BM_GOFKolmogorov1e4": lambda: kolmogorov(8, 10 ** 4),
+    "BM_GOFKolmogorov1e5": lambda: kolmogorov(9, 10 ** 5),
+    "BM_GOFKolmogorovShifted1e5": lambda: kolmogorov(9, 10 ** 5, 0.02),
 }

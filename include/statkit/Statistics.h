@@ -182,6 +182,25 @@ STATKIT_API void WilcoxonSign(const TVec& Data1, const TVec& Data2, THypothesisR
 STATKIT_API void SpearmanRankCorr(const TVec& X, const TVec& Y, double& Rs, THypothesisResult& hRes,
                                   double& Signif, double* ConfInt, THypothesisType hType, double Alpha);
 
+// --- goodness of fit --------------------------------------------------------
+// Neither test checks Alpha: the decision compares the significance with it as given.
+
+/// \brief Pearson's chi-square test of the observed frequencies \p O against the expected \p E, with
+/// \p DegFreedom degrees of freedom (\p SampleSize is accepted and not used). Empty cells follow IEEE
+/// arithmetic: E = 0 gives an infinite or NaN term, and a NaN significance decides hrNan.
+STATKIT_API void GOFChi2Test(const TVec& O, const TVec& E, int SampleSize, int DegFreedom, THypothesisResult& hRes,
+                             double& Signif, THypothesisType hType, double Alpha);
+/// \brief Kolmogorov's test of \p Data against the standard normal or, when \p CDFx and \p CDFy are both
+/// given, the table of points (CDFx[i], CDFy[i]), interpolated linearly and held at its first and last
+/// ordinates outside its abscissae (at an abscissa given twice, a step, the later of its points holds).
+/// D+ = max(i/n - F(x(i))) and D- = max(F(x(i)) - (i-1)/n) over the sorted sample; \p Signif is the
+/// exact upper-tail probability of D = max(D+, D-) (htTwoTailed), of D+ (htRightTailed) or of D-
+/// (htLeftTailed). A NaN in the sample or the table decides hrNan; an empty sample or table raises.
+/// Cost beyond the sort: O(n) one-sided; two-sided about 25 n (2 n D + 1) steps while n D^2 < 4,
+/// O(n) beyond (10^5 values within a second).
+STATKIT_API void GOFKolmogorov(const TVec& Data, THypothesisResult& hRes, double& Signif, const TVec* CDFx,
+                               const TVec* CDFy, THypothesisType hType, double Alpha);
+
 // --- normality tests --------------------------------------------------------
 
 /// \brief Shapiro-Wilk test (Royston's approximation), 3 to 5000 values.

@@ -95,7 +95,8 @@ typedef double Lanes __attribute__((vector_size(32)));
 /// Neumaier's compensated addition of one block sum into (total, comp).
 inline void addCompensated(double& total, double& comp, double block) {
   double t = total + block;
-  comp += std::fabs(total) >= std::fabs(block) ? (total - t) + block : (block - t) + total;
+  // Only a finite sum has a rounding error: at an infinity the correction would be inf - inf = NaN.
+  if (std::isfinite(t)) comp += std::fabs(total) >= std::fabs(block) ? (total - t) + block : (block - t) + total;
   total = t;
 }
 

@@ -28,6 +28,11 @@ TEST(Reductions, SumStaysAccurateWhereNaiveSummationDrifts) {
   long double exact = 1e8L + static_cast<long double>(0.1) * n;
   EXPECT_REL(v.Sum(), static_cast<double>(exact), 64 * kEps);
   EXPECT_REL(v.Mean(), static_cast<double>(exact / (n + 1)), 64 * kEps);
+  // An infinite term, or a sum that overflows, gives an infinite sum, not the NaN of its compensation.
+  v[n / 2] = INF;
+  EXPECT_EQ(v.Sum(), INF);
+  v.SetVal(1e308);
+  EXPECT_EQ(v.Sum(), INF);
 }
 
 // The standard deviation is held to NIST's univariate sets (through StdCols) and,
