@@ -190,6 +190,12 @@ STATKIT_API void SpearmanRankCorr(const TVec& X, const TVec& Y, double& Rs, THyp
 /// arithmetic: E = 0 gives an infinite or NaN term, and a NaN significance decides hrNan.
 STATKIT_API void GOFChi2Test(const TVec& O, const TVec& E, int SampleSize, int DegFreedom, THypothesisResult& hRes,
                              double& Signif, THypothesisType hType, double Alpha);
+/// \brief Chi-square goodness of fit of \p Data to the law \p Dist fitted to it: NumBins equal bins
+/// between the smallest and the largest value, expected counts n (F(upper edge) - F(lower edge)), and
+/// NumBins - 1 - (number of fitted parameters) degrees of freedom. Iterative fits use 500 iterations
+/// and tolerance 1e-8.
+STATKIT_API void GOFChi2Test(const TVec& Data, TTestDistribution Dist, int NumBins, THypothesisResult& hRes,
+                             double& Signif, THypothesisType hType, double Alpha);
 /// \brief Kolmogorov's test of \p Data against the standard normal or, when \p CDFx and \p CDFy are both
 /// given, the table of points (CDFx[i], CDFy[i]), interpolated linearly and held at its first and last
 /// ordinates outside its abscissae (at an abscissa given twice, a step, the later of its points holds).

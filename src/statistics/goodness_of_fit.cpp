@@ -1,4 +1,5 @@
-// Goodness of fit: Pearson's chi-square test of observed against expected frequencies, and the
+// Goodness of fit: Pearson's chi-square test of observed against expected frequencies (given, or from a
+// law fitted to the data and binned over its range), and the
 // Kolmogorov test of a sample against the standard normal or a tabulated distribution function with
 // the exact laws of its statistics: the one-sided law by Birnbaum and Tingey's (1951) sum, the
 // two-sided by Durbin's (1973) matrix as Marsaglia, Tsang and Wang (2003) write it, or in its far tail
@@ -204,6 +205,61 @@ void GOFChi2Test(const TVec& O, const TVec& E, int /*SampleSize*/, int DegFreedo
     Signif = core::TailSignificance(hType, ChiSquareCDF(chi2, DegFreedom), ChiSquareCDFc(chi2, DegFreedom));
     hRes = core::Decide(Signif, Alpha);
   });
+}
+
+namespace {
+
+// A law of the test fitted to the data: its parameters and how many were fitted.
+struct FittedLaw {
+  TTestDistribution dist;
+  double p1 = 0, p2 = 0;
+  int fitted = 0;
+};
+
+FittedLaw fitLaw(const TVec& Data, TTestDistribution Dist) {
+  constexpr int kMaxIter = 500;
+  constexpr double kTolerance = 1e-8;
+  FittedLaw law{Dist};
+  switch (Dist) {
+    case distBeta: BetaFit(Data, law.p1, law.p2, kMaxIter, kTolerance); break;
+    case distExponent: ExponentFit(Data, law.p1); break;
+    case distGamma: GammaFit(Data, law.p1, law.p2, kMaxIter, kTolerance); break;
+    case distNormal: NormalFit(Data, law.p1, law.p2); break;
+    case distRayleigh: RayleighFit(Data, law.p1); break;
+    case distWeibull: WeibullFit(Data, law.p1, law.p2, kMaxIter, kTolerance); break;
+    default: ERaise(msg::InvalidParameter);
+  }
+  law.fitted = Dist == distExponent || Dist == distRayleigh ? 1 : 2;
+  return law;
+}
+
+// The fitted law's distribution function at \p x, into F.
+void evaluateCdf(const FittedLaw& law, const TVec& x, TVec& F) {
+  switch (law.dist) {
+    case distBeta: return BetaCDF(x, law.p1, law.p2, F);
+    case distExponent: return ExpCDF(x, law.p1, F);
+    case distGamma: return GammaCDF(x, law.p1, law.p2, F);
+    case distNormal: return NormalCDF(x, law.p1, law.p2, F);
+    case distRayleigh: return RayleighCDF(x, law.p1, F);
+    default: return WeibullCDF(x, law.p1, law.p2, F);
+  }
+}
+
+}  // namespace
+
+void GOFChi2Test(const TVec& Data, TTestDistribution Dist, int NumBins, THypothesisResult& hRes, double& Signif,
+                 THypothesisType hType, double Alpha) {
+  if (Data.Complex()) ERaise("GOFChi2Test: Data.Complex");
+  const FittedLaw law = fitLaw(Data, Dist);
+  PooledVec O, E, edges;
+  Histogram(Data, NumBins, *O, *edges, false);
+  evaluateCdf(law, *edges, *E);
+  // Expected counts n (F(e_i+1) - F(e_i)): the probability outside the data's range goes to no bin.
+  const int n = Data.Length();
+  double* e = E->data();
+  for (int i = 0; i < NumBins; ++i) e[i] = n * (e[i + 1] - e[i]);
+  E->SetLength(NumBins);
+  GOFChi2Test(*O, *E, n, NumBins - law.fitted - 1, hRes, Signif, hType, Alpha);
 }
 
 void GOFKolmogorov(const TVec& Data, THypothesisResult& hRes, double& Signif, const TVec* CDFx,

@@ -1,5 +1,6 @@
 // GOFChi2Test (frequencies) and GOFKolmogorov against SciPy and, above 140 values, Durbin's matrix in
-// long double; the bad calls; the edges of the tabulated reference and undecidable samples.
+// long double; GOFChi2Test of fitted laws against the test's steps in SciPy; the bad calls; the edges of
+// the tabulated reference and undecidable samples.
 #include <cstdio>
 #include <functional>
 
@@ -45,6 +46,23 @@ TEST(GoodnessOfFit, MatchesReference) {
               worstTwo);
 }
 
+// The law fitted to the sample, binned over the sample's range: the iterative fits stop within about
+// 1e-8 of the likelihood's maximum, which moves the expected counts and the tail by up to 1e-6.
+TEST(GoodnessOfFit, ChiSquareOfFittedLawsMatchesItsSteps) {
+  for (const auto& r : LoadFixture("distribution_fitting.txt")) {
+    if (r.Str("kind") != "gof") continue;
+    SCOPED_TRACE(r.Str("dist") + " " + std::to_string(r.Int("bins")) + " bins");
+    int dist = 0;
+    while (TTestDistributionNames[dist] != r.Str("dist")) ++dist;
+    PoolBalance balance;
+    THypothesisResult res;
+    double p;
+    GOFChi2Test(r.Vec("x"), TTestDistribution(dist), r.Int("bins"), res, p, htRightTailed, 0.05);
+    EXPECT_REL(p, r.Num("signif"), 1e-6);
+    EXPECT_EQ(res, ExpectedDecision(r.Num("signif"), 0.05));
+  }
+}
+
 TEST(GoodnessOfFit, BadCallsRaiseExactMessages) {
   TVec three{1.0, 2.0, 3.0}, four{1.0, 2.0, 3.0, 4.0}, empty, c3, c4;
   c3.Size(3, true);
@@ -57,6 +75,10 @@ TEST(GoodnessOfFit, BadCallsRaiseExactMessages) {
       {"GOFChi2Test: O.Length <> E.Length", [&] { GOFChi2Test(c4, three, 7, 2, h, p, tt, 0.05); }},  // first
       {"GOFChi2Test: O.Complex or E.Complex", [&] { GOFChi2Test(three, c3, 7, 2, h, p, tt, 0.05); }},
       {"GOFChi2Test: O.Complex or E.Complex", [&] { GOFChi2Test(c4, four, 7, 2, h, p, tt, 0.05); }},
+      {"GOFChi2Test: Data.Complex", [&] { GOFChi2Test(c4, distNormal, 3, h, p, tt, 0.05); }},
+      // The fitted form adds no prefix: the fit's and the histogram's own messages pass through.
+      {"Histogram : NumBins <= 0", [&] { GOFChi2Test(four, distNormal, 0, h, p, tt, 0.05); }},
+      {"GammaFit : Empty vector", [&] { GOFChi2Test(empty, distGamma, 3, h, p, tt, 0.05); }},
       {"GOFKolmogorov: Data.Complex", [&] { GOFKolmogorov(c3, h, p, nullptr, nullptr, tt, 0.05); }},
       {"GOFKolmogorov: Data.Complex", [&] { GOFKolmogorov(c3, h, p, &three, &four, tt, 0.05); }},  // before
       {"GOFKolmogorov : GOFKolmogorov: CDFx.Length <> CDFy.Length",
