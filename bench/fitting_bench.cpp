@@ -32,4 +32,16 @@ void BM_WeibullFit1e5(benchmark::State& state) {
 }
 BENCHMARK(BM_WeibullFit1e5)->Unit(benchmark::kMillisecond);
 
+// The normal law fitted to 10^6 values and tested on 20 bins (normals by inversion).
+void BM_GOFChi2TestNormal1e6(benchmark::State& state) {
+  const TVec x = bench::Draws(13, 1000000, [](double u) { return statkit::NormalCDFInv(u, 10.0, 2.0); });
+  THypothesisResult res;
+  double p;
+  for (auto _ : state) {
+    GOFChi2Test(x, distNormal, 20, res, p, htRightTailed, 0.05);
+    benchmark::DoNotOptimize(p);
+  }
+}
+BENCHMARK(BM_GOFChi2TestNormal1e6)->Unit(benchmark::kMillisecond);
+
 }  // namespace
