@@ -108,23 +108,33 @@ double weibullNegLogLik(Pars p, Pars, Objects o) {
 // Its valley in (a, b) is a narrow curve (a and b trade off through a x^b); in (lambda, b) it is nearly
 // axis-aligned, the estimates of scale and shape being nearly uncorrelated, and the simplex needs a
 // fraction of the steps for the same maximum.
-double weibullScaleNegLogLik(Pars p, Pars, Objects o) {
+//
+// ln(f + 2^-52) = ln f + log1p(u), u = 2^-52 / f: the sum of ln f is n ln(b / lambda^b) + (b - 1) sum ln x
+// - sum (x / lambda)^b, and u needs exp(-ln f), so two whole-vector exponentials per evaluation serve
+// (the array layer evaluates them several lanes at a time). Where f underflows, u overflows and the term
+// is ln 2^-52 itself.
+double weibullScaleNegLogLik(Pars p, Pars c, Objects o) {
   const double lambda = p[0], b = p[1];
   if (!(lambda > 0 && b > 0)) return NAN;
   const TVec& lnx = workOf(o);
   TVec& w = ObjectAs<TVec>(o[2]);
   const double lnLambda = std::log(lambda), lnab = std::log(b) - b * lnLambda, *l = lnx.data();
   const int n = lnx.Length();
-  // Whole-vector exponentials and logarithms: the array layer evaluates them several lanes at a time.
   w.Size(n);
   double* t = w.data();
   for (int i = 0; i < n; ++i) t[i] = b * (l[i] - lnLambda);
-  w.Exp();  // a x^b
-  for (int i = 0; i < n; ++i) t[i] = lnab + (b - 1) * l[i] - t[i];
-  w.Exp();  // the density
-  w.Offset(kDensityFloor);
-  w.Ln();
-  return -w.Sum();
+  w.Exp();  // (x / lambda)^b
+  const double sumT = w.Sum();
+  for (int i = 0; i < n; ++i) t[i] -= lnab + (b - 1) * l[i];
+  w.Exp();  // 1 / f
+  double sum = n * lnab + (b - 1) * c[0] - sumT, correction = 0;
+  for (int i = 0; i < n; ++i) {
+    const double u = kDensityFloor * t[i];
+    if (u < 1e-5) correction += u * (1 - 0.5 * u);  // log1p(u) to well below an ulp of the term
+    else if (u < INF) correction += std::log1p(u);
+    else correction += std::log(kDensityFloor) - (lnab + (b - 1) * l[i] - std::exp(b * (l[i] - lnLambda)));
+  }
+  return -(sum + correction);
 }
 
 // Minimises the negative log-likelihood from (a, b) with the caller's limits; the stop reason is not
@@ -273,7 +283,8 @@ void WeibullFit(const TVec& X, double& a, double& b, int MaxIter, double Toleran
     if (!insideSupport(X, 0, INF))
       return maximiseLikelihood(weibullNegLogLik, {}, X, *lnx, a, b, MaxIter, Tolerance);
     double lambda = std::exp(-std::log(a) / b);
-    maximiseLikelihood(weibullScaleNegLogLik, {}, X, *lnx, lambda, b, MaxIter, Tolerance);
+    const double sumLn[1] = {lnx->Sum()};
+    maximiseLikelihood(weibullScaleNegLogLik, sumLn, X, *lnx, lambda, b, MaxIter, Tolerance);
     a = std::exp(-b * std::log(lambda));
   });
 }
