@@ -489,7 +489,7 @@ public:
   /// The trailing \p Unused has no effect (the thin form is always computed); it is accepted for
   /// callers that pass it.
   void LQR(TMtx& Q, TMtx& R, bool Unused = false) const;
-  /// \brief Singular value decomposition Self = U diag(S) V', S descending.
+  /// \brief Singular value decomposition Self = U diag(S) V^H (V^H = V' for real data), S real and descending.
   /// \param U the left singular vectors, by columns.
   /// \param S the min(Rows, Cols) singular values, descending.
   /// \param V the right singular vectors, by columns.

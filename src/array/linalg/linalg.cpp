@@ -546,28 +546,39 @@ void TMtx::LQR(TMtx& Q, TMtx& R, bool) const {
   });
 }
 
+namespace {
+
+// Self = U diag(S) V^H for real (S = double) or complex (S = Cplx) storage.
+template <class Scalar>
+void svdOf(const ConstMap<Scalar>& a, bool finite, TMtx& U, TVec& S, TMtx& V, bool Thin) {
+  using Dense = Eigen::Matrix<Scalar, Dynamic, Dynamic>;
+  const Eigen::Index m = a.rows(), n = a.cols(), k = std::min(m, n);
+  Mat<Scalar> u, v;
+  Eigen::VectorXd s;
+  if (!finite) {
+    // Eigen refuses non-finite input without results; NaN is the IEEE answer.
+    u.setConstant(m, Thin ? k : m, Scalar(NAN));
+    v.setConstant(n, Thin ? k : n, Scalar(NAN));
+    s.setConstant(k, NAN);
+  } else {
+    // One-sided Jacobi: singular values to high relative accuracy, in descending order.
+    const unsigned options = Thin ? (Eigen::ComputeThinU | Eigen::ComputeThinV)
+                                  : (Eigen::ComputeFullU | Eigen::ComputeFullV);
+    Eigen::JacobiSVD<Dense> svd(Dense(a), options);
+    u = svd.matrixU(), v = svd.matrixV(), s = svd.singularValues();
+  }
+  store(U, u);
+  store(V, v);
+  store(S, RMat(s));
+}
+
+}  // namespace
+
 void TMtx::SVD(TMtx& U, TVec& S, TMtx& V, bool Thin) const {
   detail::RaisingOutOfMemory([&] {
-    detail::RequireReal(*this);
     if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
-    const Eigen::Index m = Rows(), n = Cols(), k = std::min(m, n);
-    RMat u, v;
-    Eigen::VectorXd s;
-    if (!allFinite(*this)) {
-      // Eigen refuses non-finite input without results; NaN is the IEEE answer.
-      u.setConstant(m, Thin ? k : m, NAN);
-      v.setConstant(n, Thin ? k : n, NAN);
-      s.setConstant(k, NAN);
-    } else {
-      // One-sided Jacobi: singular values to high relative accuracy, in descending order.
-      const unsigned options = Thin ? (Eigen::ComputeThinU | Eigen::ComputeThinV)
-                                    : (Eigen::ComputeFullU | Eigen::ComputeFullV);
-      Eigen::JacobiSVD<Eigen::MatrixXd> svd(Eigen::MatrixXd(realView(*this)), options);
-      u = svd.matrixU(), v = svd.matrixV(), s = svd.singularValues();
-    }
-    store(U, u);
-    store(V, v);
-    store(S, RMat(s));
+    if (Complex()) svdOf(complexView(*this), allFinite(*this), U, S, V, Thin);
+    else svdOf(realView(*this), allFinite(*this), U, S, V, Thin);
   });
 }
 
