@@ -1,0 +1,155 @@
+// Control charts and capability indexes against their formulas written out in
+// NumPy with the constants and quantiles in mpmath (gen_control_charts.py), and
+// the subgroup constants against their four-decimal tables.
+#include "qualitycontrol/subgroup_constants.h"
+#include "statkit/StatControlCharts.h"
+#include "support/hypothesis.h"
+
+namespace statkit::test {
+namespace {
+using namespace statkit::StatControlCharts;
+
+// c4 from a difference of log-gamma values: the error of ln Gamma(n/2), a few eps of
+// its size, is c4's relative error; 1 - c4^2 ~ 1/(2n) magnifies it 2n-fold in the S chart.
+double C4Tol(int n) { return 8 * kEps * std::fmax(1.0, std::fabs(std::lgamma(0.5 * n))); }
+// means, standard deviations and quantiles: a few tens of eps
+constexpr double kTol = 64 * kEps;
+
+void ExpectVec(const TVec& actual, const std::vector<double>& expected, double tol, double scale = 0.0) {
+  ASSERT_EQ(actual.Length(), static_cast<int>(expected.size()));
+  for (int i = 0; i < actual.Length(); ++i) EXPECT_TRUE(NearScaled(actual[i], expected[i], tol, scale)) << "i = " << i;
+}
+
+TEST(ControlCharts, SubgroupConstantsMatchTablesAndDefinitions) {
+  const struct { int n; double c4, r; } printed[] = {{2, 0.7979, 0.7071}, {3, 0.8862, 0.4864}, {4, 0.9213, 0.4082},
+                                                     {5, 0.9400, 0.3669}, {10, 0.9727, 0.2892}};
+  for (const auto& t : printed) {
+    EXPECT_NEAR(qc::c4(t.n), t.c4, 5e-5) << t.n;
+    EXPECT_NEAR(qc::rangeFactor(t.n), t.r, 5e-5) << t.n;
+  }
+  for (const auto& r : LoadFixture("control_charts.txt")) {
+    if (r.Str("kind") != "constants") continue;
+    const int n = r.Int("n");  // through 344, where Gamma(n / 2) overflows, to 20000
+    EXPECT_REL(qc::c4(n), r.Num("c4"), C4Tol(n)) << n;
+    EXPECT_REL(qc::rangeFactor(n), r.Num("r"), 4 * kEps) << n;
+  }
+  EXPECT_TRUE(std::isnan(qc::c4(1)) && std::isnan(qc::c4(0)));
+}
+
+TEST(ControlCharts, MatchFormulas) {
+  for (const auto& r : LoadFixture("control_charts.txt")) {
+    const std::string kind = r.Str("kind");
+    const double conf = r.Has("conf") ? r.Num("conf") : 0.0;
+    PoolBalance balance;
+    TVec draw, ucl, lcl, cl;
+    double CL, UCL, LCL;
+    if (kind == "variables") {
+      const TMtx X = r.Mtx("X");
+      const int n = X.Cols();
+      SCOPED_TRACE("subgroups of " + std::to_string(n));
+      const auto check = [&](const char* key, double tol) {
+        ExpectVec(draw, r.Nums(std::string(key) + "draw"), kTol);
+        EXPECT_REL(UCL, r.Nums(key)[0], tol) << key;
+        EXPECT_TRUE(NearScaled(LCL, r.Nums(key)[1], tol, UCL)) << key;
+      };
+      QCXChart(X, draw, CL, UCL, LCL, conf);
+      EXPECT_REL(CL, r.Num("cl"), kTol);
+      check("x", kTol + C4Tol(n));
+      QCSChart(X, draw, CL, UCL, LCL, conf);
+      check("s", kTol + 2 * n * C4Tol(n));
+      QCRChart(X, draw, CL, UCL, LCL, conf);
+      check("r", kTol);
+      EWMAChart(X, draw, CL, UCL, LCL, r.Num("lam"), conf);
+      check("e", kTol + C4Tol(n));
+      EWMAChart(X, draw, CL, ucl, lcl, r.Num("lam"), conf);
+      ExpectVec(ucl, r.Nums("eucl"), kTol + C4Tol(n));
+      ExpectVec(lcl, r.Nums("elcl"), kTol + C4Tol(n));
+    } else if (kind == "attributes") {
+      const TVec d = r.Vec("d"), sizes = r.Vec("n");
+      const int size = r.Int("size");
+      const double scale = d.Max();  // lower limits near 0 held to the size of the counts
+      if (r.Int("perSample")) {
+        QCPChart(d, sizes, draw, CL, ucl, lcl, conf);
+        ExpectVec(draw, r.Nums("pdraw"), kTol);
+        EXPECT_REL(CL, r.Num("pcl"), kTol);
+        ExpectVec(ucl, r.Nums("pucl"), kTol);
+        ExpectVec(lcl, r.Nums("plcl"), kTol, 1.0);
+        QCUChart(d, sizes, draw, CL, ucl, lcl, conf);
+        ExpectVec(ucl, r.Nums("uucl"), kTol);
+        ExpectVec(lcl, r.Nums("ulcl"), kTol, 1.0);
+        QCNPChart(d, sizes, draw, cl, ucl, lcl, conf);
+        ExpectVec(draw, r.Nums("d"), 0.0);
+        ExpectVec(cl, r.Nums("npcl"), kTol);
+        ExpectVec(ucl, r.Nums("npucl"), kTol);
+        ExpectVec(lcl, r.Nums("nplcl"), kTol, scale);
+      } else {
+        QCPChart(d, size, draw, CL, UCL, LCL, conf);
+        ExpectVec(draw, r.Nums("pdraw"), kTol);
+        EXPECT_REL(CL, r.Num("pcl"), kTol);
+        EXPECT_REL(UCL, r.Nums("pucl")[0], kTol);
+        EXPECT_TRUE(NearScaled(LCL, r.Nums("plcl")[0], kTol, 1.0));
+        QCUChart(d, size, draw, CL, UCL, LCL, conf);
+        EXPECT_REL(UCL, r.Nums("uucl")[0], kTol);
+        EXPECT_TRUE(NearScaled(LCL, r.Nums("ulcl")[0], kTol, 1.0));
+        QCNPChart(d, size, draw, CL, UCL, LCL, conf);
+        EXPECT_REL(CL, r.Nums("npcl")[0], kTol);
+        EXPECT_REL(UCL, r.Nums("npucl")[0], kTol);
+        EXPECT_TRUE(NearScaled(LCL, r.Nums("nplcl")[0], kTol, scale));
+      }
+      QCCChart(d, draw, CL, UCL, LCL, conf);
+      ExpectVec(TVec{CL, UCL, LCL}, r.Nums("cc"), kTol, scale);
+    } else if (kind == "capability") {
+      TVec x;
+      if (r.Has("ramp")) {
+        x.Size(r.Int("ramp"));  // 20000 values: 9 N^2 - 1 past the 32-bit range
+        x.Ramp(0.0, 1.0);
+      } else {
+        x = r.Vec("x");
+      }
+      double nonConf, cp, cpk, cpCI[2] = {7.0, 7.0}, cpkCI[2] = {7.0, 7.0};
+      QCCapIndexes(x, r.Num("lsl"), r.Num("usl"), nonConf, cp, cpk, cpCI, cpkCI, r.Num("alpha"));
+      // a normal tail at up to 4.3 standard deviations: z^2 ~ 19 times the error of z
+      EXPECT_TRUE(NearScaled(nonConf, r.Num("nonconf"), 20 * kTol, 1e-300));
+      if (!r.Has("cp")) {
+        EXPECT_TRUE(std::isnan(cp) && std::isnan(cpk) && cpCI[0] == 7.0 && cpkCI[1] == 7.0);
+        continue;
+      }
+      ExpectVec(TVec{cp, cpk, cpCI[0], cpCI[1], cpkCI[0], cpkCI[1]},
+                {r.Num("cp"), r.Num("cpk"), r.Nums("cpci")[0], r.Nums("cpci")[1], r.Nums("cpkci")[0],
+                 r.Nums("cpkci")[1]},
+                kTol);
+    }
+  }
+}
+
+// Subgroups of one value have no spread: undefined limits for the X and S charts,
+// unbounded ones for the EWMA chart, whose points are still the means. The S chart
+// clips a negative lower limit; the R chart does not. Attribute charts may write
+// their points over their data.
+TEST(ControlCharts, EdgesOfSubgroupsAndAliasing) {
+  TMtx single{{1.0}, {3.0}, {2.0}}, pairs{{1.0, 2.0}, {3.0, 3.5}, {2.0, 4.0}};
+  TVec draw, ucl, lcl;
+  double CL, UCL, LCL;
+  QCXChart(single, draw, CL, UCL, LCL, 0.9973);
+  EXPECT_TRUE(CL == 2.0 && std::isnan(UCL) && std::isnan(LCL));
+  EWMAChart(single, draw, CL, UCL, LCL, 0.5, 0.99865);
+  EXPECT_TRUE(UCL == INF && LCL == -INF && draw[0] == 1.5 && draw[2] == 2.125);
+  EWMAChart(single, draw, CL, ucl, lcl, 0.5, 0.99865);
+  EXPECT_TRUE(ucl.Length() == 3 && ucl[2] == INF && lcl[0] == -INF);
+  QCSChart(pairs, draw, CL, UCL, LCL, 0.9973);
+  EXPECT_EQ(LCL, 0.0);
+  QCRChart(pairs, draw, CL, UCL, LCL, 0.9973);
+  EXPECT_LT(LCL, 0.0);
+  TVec counts{4.0, 6.0, 5.0}, sizes{40.0, 50.0, 60.0}, expected;
+  QCPChart(counts, sizes, expected, CL, ucl, lcl, 0.99);
+  QCPChart(counts, sizes, sizes, CL, ucl, lcl, 0.99);  // the points written over the sizes
+  ExpectVec(sizes, std::vector<double>(expected.begin(), expected.end()), 0.0);
+  QCUChart(counts, 10, counts, CL, UCL, LCL, 0.99);
+  EXPECT_TRUE(counts[0] == 0.4 && counts[2] == 0.5);
+  double nonConf, cp, cpk;
+  QCCapIndexes(TVec{1.0, 2.0, 3.0, 4.0}, 0.0, 5.0, nonConf, cp, cpk, nullptr, nullptr, 0.05);
+  EXPECT_EQ(cp, cpk);  // the mean halfway between the limits
+}
+
+}  // namespace
+}  // namespace statkit::test
