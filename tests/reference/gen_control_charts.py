@@ -18,7 +18,7 @@ out = Fixture("control_charts.txt", "reference control charts: constants and qua
 c4 = lambda n: mp.sqrt(mp.mpf(2) / (n - 1)) * mp.gamma(mp.mpf(n) / 2) / mp.gamma(mp.mpf(n - 1) / 2)
 r = lambda n: mp.sqrt(n * mp.log(2) / ((n - 1) * mp.log(n))) / 2
 z = lambda p: mp.sqrt(2) * mp.erfinv(2 * mp.mpf(p) - 1)  # of the double p
-F = lambda v: [float(x) for x in v]
+F = lambda v: [float(x) for x in np.atleast_1d(v)]
 
 
 def chi2_quantile(p, k):
@@ -30,7 +30,7 @@ def chi2_quantile(p, k):
 for n in (2, 3, 4, 5, 10, 25, 343, 344, 500, 20000):
     out.record(kind="constants", n=n, c4=float(c4(n)), r=float(r(n)))
 
-# variables charts and both EWMA charts on the same subgroups (rows); limits as (upper, lower)
+# variables charts and both EWMA charts on the same subgroups (rows); (CL, UCL, LCL) under the chart's letter
 for n, m, conf, lam in [(2, 20, 0.9973, 0.2), (3, 15, 0.95, 1.0), (5, 25, 0.9973, 0.1), (10, 12, 0.99, 0.3),
                         (500, 6, 0.9973, 0.05)]:
     X = rng.normal(50, 2, (m, n)) + np.linspace(0, 1, m)[:, None]
@@ -45,12 +45,13 @@ for n, m, conf, lam in [(2, 20, 0.9973, 0.2), (3, 15, 0.95, 1.0), (5, 25, 0.9973
     sigma = zo * sbar / c4(n) / mp.sqrt(n)
     wi = [sigma * mp.sqrt(lam / (2 - lam) * (1 - (1 - mp.mpf(lam)) ** (2 * i))) for i in range(1, m + 1)]
     we = sigma * mp.sqrt(lam / (2 - lam))
-    out.record(kind="variables", conf=conf, lam=lam, X=f"{m} {n} " + " ".join(map(repr, X.ravel())), cl=cl,
-               xdraw=means, x=F([cl + wx, cl - wx]), sdraw=sds, s=F([sbar + ws, max(sbar - ws, 0)]), rdraw=ranges,
-               r=F([rbar + wr, rbar - wr]), edraw=ew[1:], e=F([cl + we, cl - we]), eucl=F([cl + w for w in wi]),
-               elcl=F([cl - w for w in wi]))
+    out.record(kind="variables", conf=conf, lam=lam, X=f"{m} {n} " + " ".join(map(repr, X.ravel())),
+               xdraw=means, x=F([cl, cl + wx, cl - wx]), sdraw=sds, s=F([sbar, sbar + ws, max(sbar - ws, 0)]),
+               rdraw=ranges, r=F([rbar, rbar + wr, rbar - wr]), edraw=ew[1:], e=F([cl, cl + we, cl - we]),
+               eucl=F([cl + w for w in wi]), elcl=F([cl - w for w in wi]))
 
-# attribute charts with one sample size and with per-sample sizes (p and u pool sum(d) / sum(n))
+# attribute charts with one sample size and with per-sample sizes (p and u pool sum(d) / sum(n)): the
+# chart's letters + cl, ucl, lcl, or with one size (CL, UCL, LCL) under the letters alone
 for m, size, conf in ((20, 50, 0.99865), (30, 200, 0.95), (8, 7, 0.9)):
     for per_sample in (0, 1):
         n = rng.integers(size // 2, 2 * size, m).astype(float) if per_sample else np.full(m, float(size))
@@ -60,10 +61,14 @@ for m, size, conf in ((20, 50, 0.99865), (30, 200, 0.95), (8, 7, 0.9)):
         wp, wu = [z(conf) * mp.sqrt(pbar * (1 - pbar) / k) for k in n], [z(conf) * mp.sqrt(pbar / k) for k in n]
         wnp = [z(conf) * mp.sqrt(k * pbar * (1 - pbar)) for k in n]
         wc = z(conf) * mp.sqrt(np.mean(d))
-        out.record(kind="attributes", conf=conf, perSample=per_sample, size=size, d=d, n=n, pdraw=d / n, pcl=pbar,
-                   pucl=F([pbar + w for w in wp]), plcl=F([pbar - w for w in wp]), uucl=F([pbar + w for w in wu]),
-                   ulcl=F([pbar - w for w in wu]), npcl=npc, npucl=F(npc + wnp), nplcl=F(npc - wnp),
-                   cc=F([np.mean(d), np.mean(d) + wc, np.mean(d) - wc]))
+        lim = lambda c, w: {"cl": F(c), "ucl": F(c + np.array(w)), "lcl": F(c - np.array(w))}
+        p, u, np_ = lim(pbar, wp), lim(pbar, wu), lim(npc, wnp)
+        if not per_sample:  # one centre line and one pair of limits
+            p, u, np_ = ({"": [c[k][0] for k in ("cl", "ucl", "lcl")]} for c in (p, u, np_))
+        out.record(kind="attributes", conf=conf, perSample=per_sample, size=size, d=d, n=n, pdraw=d / n,
+                   udraw=d / n, npdraw=d, cdraw=d, **{"p" + k: v for k, v in p.items()},
+                   **{"u" + k: v for k, v in u.items()}, **{"np" + k: v for k, v in np_.items()},
+                   c=F([np.mean(d), np.mean(d) + wc, np.mean(d) - wc]))
 
 # capability indexes; "ramp N" stands for the data 0, 1, ..., N - 1 (N = 20000: 9 N^2 past 32 bits)
 for x, lsl, usl, alpha in [(rng.normal(10, 0.5, 40), 8.0, 12.5, 0.05), (rng.normal(0, 1, 7), -3.0, 2.0, 0.1),
@@ -78,7 +83,6 @@ for x, lsl, usl, alpha in [(rng.normal(10, 0.5, 40), 8.0, 12.5, 0.05), (rng.norm
     else:
         cpk, cp = min(mu - lsl, usl - mu) / (3 * s), (usl - lsl) / (6 * s)
         h = z(1 - alpha / 2) * mp.sqrt(mp.mpf(N - 1) / (9 * N * N - 1) + cpk ** 2 / (2 * N - 6) * (1 + mp.mpf(6) / (N - 1)))
-        rec.update(nonconf=float(1 - below(usl) + below(lsl)), cp=float(cp), cpk=float(cpk),
-                   cpci=F([cp * mp.sqrt(chi2_quantile(q, N - 1) / (N - 1)) for q in (alpha / 2, 1 - alpha / 2)]),
-                   cpkci=F([cpk - h, cpk + h]))
+        ci = [cp * mp.sqrt(chi2_quantile(q, N - 1) / (N - 1)) for q in (alpha / 2, 1 - alpha / 2)]
+        rec.update(nonconf=float(1 - below(usl) + below(lsl)), cap=F([cp, cpk] + ci + [cpk - h, cpk + h]))
     out.record(kind="capability", **rec)

@@ -10,103 +10,73 @@ using namespace statkit::Statistics;
 // NumPy: both backward stable, so they agree to a few eps of the largest.
 constexpr double kEigenTol = 1e-12;
 
+// The doubles of a (complex: real and imaginary parts interleaved), each within tol.
+void ExpectNearAll(const TDenseKalpa& a, const std::vector<double>& e, double tol) {
+  ASSERT_EQ(a.Length() * (a.Complex() ? 2u : 1u), e.size());
+  for (std::size_t i = 0; i < e.size(); ++i) EXPECT_NEAR(a.data()[i], e[i], tol) << i;
+}
+
 // Eigenvalues to kEigenTol of the largest; a direction, up to sign, where its
 // eigenvalue is apart from its neighbours by more than 1e-3 of the largest
 // (error about eps |lambda_1| / gap, so 1e3 eps times a safety of 10).
-void ExpectComponents(const TVec& eigen, const TMtx& pc, const std::vector<double>& refEigen, const TMtx& refPC) {
-  const int p = static_cast<int>(refEigen.size());
-  ASSERT_EQ(eigen.Length(), p);
-  ASSERT_TRUE(pc.Rows() == p && pc.Cols() == p);
+void ExpectComponents(const TVec& eigen, const TMtx& pc, const Record& r, const std::string& key) {
+  const auto w = r.Nums(key + "Eigen");
+  ExpectNearAll(eigen, w, kEigenTol * w[0]);
+  if (!r.Has(key + "PC")) return;  // complex data: the phase of each direction is free
+  const TMtx ref = r.Mtx(key + "PC");
+  const int p = ref.Cols();
   for (int j = 0; j < p; ++j) {
-    EXPECT_NEAR(eigen[j], refEigen[j], kEigenTol * refEigen[0]) << "eigenvalue " << j;
-    double gap = INF;
-    if (j > 0) gap = std::fmin(gap, refEigen[j - 1] - refEigen[j]);
-    if (j + 1 < p) gap = std::fmin(gap, refEigen[j] - refEigen[j + 1]);
-    if (gap < 1e-3 * refEigen[0]) continue;
+    const double gap = std::fmin(j > 0 ? w[j - 1] - w[j] : INF, j + 1 < p ? w[j] - w[j + 1] : INF);
     double dot = 0.0;
-    for (int i = 0; i < p; ++i) dot += pc(i, j) * refPC(i, j);
-    for (int i = 0; i < p; ++i) EXPECT_NEAR(pc(i, j), (dot < 0 ? -1 : 1) * refPC(i, j), 1e4 * kEps) << "PC " << j;
-  }
-}
-
-// Complex data: the eigenvalues of the Hermitian matrices, and the residuals, which do
-// not depend on the phase that the decomposition gives each direction.
-void CheckComplex(const Record& r) {
-  const TMtx re = r.Mtx("Xre"), im = r.Mtx("Xim"), resRe = r.Mtx("res1re"), resIm = r.Mtx("res1im");
-  TMtx X(re.Rows(), re.Cols(), true), pc, scores, res;
-  for (int i = 0; i < X.Length(); ++i) X.CValues(i) = {re.data()[i], im.data()[i]};
-  TVec eigen;
-  for (auto [mode, key] : {std::pair{PCACovMat, "covEigen"}, std::pair{PCACorrMat, "corrEigen"}}) {
-    PCA(X, pc, scores, eigen, nullptr, mode);
-    const auto expected = r.Nums(key);
-    for (int j = 0; j < eigen.Length(); ++j) EXPECT_NEAR(eigen[j], expected[j], kEigenTol * expected[0]) << key;
-  }
-  PCAResiduals(X, 1, res);
-  for (int i = 0; i < res.Length(); ++i) {
-    EXPECT_NEAR(res.CValues(i).real(), resRe.data()[i], 1e3 * kEps * 5) << i;
-    EXPECT_NEAR(res.CValues(i).imag(), resIm.data()[i], 1e3 * kEps * 5) << i;
+    for (int i = 0; i < p; ++i) dot += pc(i, j) * ref(i, j);
+    for (int i = 0; gap > 1e-3 * w[0] && i < p; ++i) EXPECT_NEAR(pc(i, j), (dot < 0 ? -1 : 1) * ref(i, j), 1e4 * kEps);
   }
 }
 
 TEST(PCA, MatchesEigenDecompositionOfCovarianceAndCorrelation) {
   for (const auto& r : LoadFixture("principal_components.txt")) {
-    if (r.Has("Xre")) {
-      CheckComplex(r);
-      continue;
-    }
-    const TMtx X = r.Mtx("X");
-    const int n = X.Rows(), p = X.Cols();
-    SCOPED_TRACE(std::to_string(n) + " x " + std::to_string(p));
+    const auto shape = r.Nums("shape"), x = r.Nums("X");
+    const int n = static_cast<int>(shape[0]), p = static_cast<int>(shape[1]);
+    TMtx X(n, p, shape[2] != 0), pc, scores, res;
+    std::copy(x.begin(), x.end(), X.data());
+    SCOPED_TRACE(std::to_string(n) + " x " + std::to_string(p) + (X.Complex() ? " complex" : ""));
     PoolBalance balance;
-    TMtx pc, scores;
-    TVec eigen, share;
-    PCA(X, pc, scores, eigen, &share, PCACovMat);
-    ExpectComponents(eigen, pc, r.Nums("covEigen"), r.Mtx("covPC"));
-    // scores: centred, with the eigenvalues as variances; the shares sum to 100
-    TVec mean, sd;
-    scores.MeanCols(mean);
-    StdCols(scores, sd);
-    for (int j = 0; j < p; ++j) {
-      EXPECT_NEAR(mean[j], 0.0, 64 * kEps * std::sqrt(eigen[0])) << j;
-      EXPECT_NEAR(sd[j] * sd[j], eigen[j], kEigenTol * eigen[0]) << j;
+    TVec eigen, share, mean, sd;
+    for (auto [mode, key] : {std::pair{PCACovMat, "cov"}, std::pair{PCACorrMat, "corr"}}) {
+      PCA(X, pc, scores, eigen, &share, mode);
+      ExpectComponents(eigen, pc, r, key);
+      EXPECT_REL(share.Sum(), 100.0, 16 * kEps);
+      if (r.Has(key)) PCA(r.Mtx(key), pc, eigen, nullptr), ExpectComponents(eigen, pc, r, key);
     }
-    EXPECT_REL(share.Sum(), 100.0, 16 * kEps);
-    PCA(X, pc, scores, eigen, nullptr, PCACorrMat);
-    ExpectComponents(eigen, pc, r.Nums("corrEigen"), r.Mtx("corrPC"));
-    EXPECT_REL(eigen.Sum(), p, 16 * kEps);
-    for (const char* m : {"cov", "corr"}) {  // the form that takes the matrix itself
-      PCA(r.Mtx(m), pc, eigen, &share);
-      ExpectComponents(eigen, pc, r.Nums(std::string(m) + "Eigen"), r.Mtx(std::string(m) + "PC"));
+    EXPECT_REL(eigen.Sum(), p, 16 * kEps);  // the correlation mode's: the trace p
+    if (!X.Complex()) {  // covariance-mode scores: centred, with the eigenvalues as variances
+      PCA(X, pc, scores, eigen, nullptr, PCACovMat);
+      scores.MeanCols(mean);
+      StdCols(scores, sd);
+      for (int j = 0; j < p; ++j) EXPECT_NEAR(mean[j], 0.0, 64 * kEps * std::sqrt(eigen[0])) << j;
+      for (int j = 0; j < p; ++j) EXPECT_NEAR(sd[j] * sd[j], eigen[j], kEigenTol * eigen[0]) << j;
     }
-    // residuals: the data less 1e6 offsets cancel, so held to the size of the data
-    const double size = std::fmax(std::fabs(X.Max()), std::fabs(X.Min()));
-    for (int k : {0, 1, p - 1}) {
-      TMtx res, expected = r.Mtx("res" + std::to_string(k));
-      PCAResiduals(X, k, res);
-      ASSERT_EQ(res.Length(), expected.Length());
-      for (int i = 0; i < res.Length(); ++i)
-        EXPECT_NEAR(res.data()[i], expected.data()[i], 1e3 * kEps * size) << "NumPC " << k << " element " << i;
-    }
+    // the residuals of data offset by 1e6 cancel: held to the size of the data
+    double size = 0.0;
+    for (double v : x) size = std::fmax(size, std::fabs(v));
+    for (int k : {0, 1, p - 1}) PCAResiduals(X, k, res), ExpectNearAll(res, r.Nums("res" + std::to_string(k)), 1e3 * kEps * size);
   }
 }
 
 // Fewer observations than variables: the covariance mode keeps the n singular values
 // of the centred data, the last of them 0. Outputs may be the data.
 TEST(PCA, ShapesAndAliasing) {
-  TMtx X{{1, 2, 4, 8}, {2, 1, 0, 3}, {5, 5, 1, 2}}, pc, scores;
-  TVec eigen{9.0}, untouched{7.0};
+  const TMtx X{{1, 2, 4, 8}, {2, 1, 0, 3}, {5, 5, 1, 2}};
+  TMtx pc, scores, res, same = X;
+  TVec eigen;
   PCA(X, pc, scores, eigen, nullptr, PCACovMat);
-  EXPECT_EQ(eigen.Length(), 3);
-  EXPECT_NEAR(eigen[2], 0.0, 1e3 * kEps * eigen[0]);
-  EXPECT_TRUE(pc.Rows() == 4 && pc.Cols() == 3 && scores.Rows() == 3 && scores.Cols() == 3);
-  TMtx same = X, res;
-  PCA(same, pc, same, eigen, nullptr, PCACorrMat);
+  EXPECT_TRUE(eigen.Length() == 3 && pc.Cols() == 3 && scores.Cols() == 3 && eigen[2] < 1e3 * kEps * eigen[0]);
   PCA(X, pc, scores, eigen, nullptr, PCACorrMat);
-  for (int i = 0; i < same.Length(); ++i) EXPECT_EQ(same.data()[i], scores.data()[i]);
-  same = X;
+  PCA(same, pc, same, eigen, nullptr, PCACorrMat);
+  ExpectNearAll(same, std::vector<double>(scores.data(), scores.data() + scores.Length()), 0.0);
   PCAResiduals(X, 2, res);
-  PCAResiduals(same, 2, same);
-  for (int i = 0; i < same.Length(); ++i) EXPECT_EQ(same.data()[i], res.data()[i]);
+  PCAResiduals(same = X, 2, same);
+  ExpectNearAll(same, std::vector<double>(res.data(), res.data() + res.Length()), 0.0);
 }
 
 }  // namespace
