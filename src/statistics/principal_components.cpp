@@ -52,9 +52,9 @@ void centreColumns(const TMtx& Data, TMtx& Dst) {
 
 void PCA(const TMtx& CovMat, TMtx& PC, TVec& Eigen, TVec* VarPercent) {
   core::Guarded("PCA : ", [&] {
-    PooledMtx U, V;
+    PooledMtx V;
     PooledVec S;
-    CovMat.SVD(*U, *S, *V, true);
+    CovMat.SVD(*S, *V);  // the left vectors are not needed
     PC.Copy(*V);
     Eigen.Copy(*S);
     fillVarPercent(Eigen, VarPercent);
@@ -63,17 +63,17 @@ void PCA(const TMtx& CovMat, TMtx& PC, TVec& Eigen, TVec* VarPercent) {
 
 void PCA(const TMtx& Data, TMtx& PC, TMtx& Scores, TVec& Eigen, TVec* VarPercent, TPCAMode Mode) {
   core::Guarded("PCA : ", [&] {
-    PooledMtx T, U, V;
+    PooledMtx T, V;
     PooledVec S;
     if (Mode == PCACovMat) {
       // T' T / (n - 1) = V diag(S^2 / (n - 1)) V' for the centred data T = U diag(S) V'
       centreColumns(Data, *T);
-      T->SVD(*U, *S, *V, true);
+      T->SVD(*S, *V);  // the left vectors are not needed: a QR reduction first, not Jacobi sweeps on n rows
       const double scale = 1.0 / std::sqrt(Data.Rows() - 1.0);
       for (double& s : *S) s = (s * scale) * (s * scale);
     } else {
       CorrCoef(Data, *T);
-      T->SVD(*U, *S, *V, true);
+      T->SVD(*S, *V);
       ZScore(Data, *T);
     }
     // every input is read before the first output is written: an output may be Data

@@ -498,6 +498,9 @@ public:
   void SVD(TMtx& U, TVec& S, TMtx& V, bool Thin = true) const;
   /// \brief The singular values alone, descending.
   void SVD(TVec& S) const;
+  /// \brief The singular values \p S, descending, and the right singular vectors \p V (thin, by columns)
+  /// without the left ones: a tall matrix is reduced to its QR factor R first.
+  void SVD(TVec& S, TMtx& V) const;
   /// \brief Cholesky factor in place: Self = L L' with L lower triangular (the upper part zeroed,
   /// TriangleForm tfLower); reads the lower triangle.
   void Cholesky();

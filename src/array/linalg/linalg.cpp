@@ -548,9 +548,12 @@ void TMtx::LQR(TMtx& Q, TMtx& R, bool) const {
 
 namespace {
 
-// Self = U diag(S) V^H for real (S = double) or complex (S = Cplx) storage.
+// Self = U diag(S) V^H for real (S = double) or complex (S = Cplx) storage; without U
+// (U == nullptr) a tall matrix is first reduced to the R factor of a blocked Householder
+// QR, which has its singular values and right vectors: the Jacobi sweeps then run on an
+// n x n matrix, not on m x n rows.
 template <class Scalar>
-void svdOf(const ConstMap<Scalar>& a, bool finite, TMtx& U, TVec& S, TMtx& V, bool Thin) {
+void svdOf(const ConstMap<Scalar>& a, bool finite, TMtx* U, TVec& S, TMtx& V, bool Thin) {
   using Dense = Eigen::Matrix<Scalar, Dynamic, Dynamic>;
   const Eigen::Index m = a.rows(), n = a.cols(), k = std::min(m, n);
   Mat<Scalar> u, v;
@@ -560,6 +563,14 @@ void svdOf(const ConstMap<Scalar>& a, bool finite, TMtx& U, TVec& S, TMtx& V, bo
     u.setConstant(m, Thin ? k : m, Scalar(NAN));
     v.setConstant(n, Thin ? k : n, Scalar(NAN));
     s.setConstant(k, NAN);
+  } else if (U == nullptr) {
+    Dense r = a;
+    if (m > n) {
+      Eigen::HouseholderQR<Eigen::Ref<Dense>> qr(r);
+      r = Dense(r.topRows(n).template triangularView<Eigen::Upper>());
+    }
+    Eigen::JacobiSVD<Dense> svd(r, Eigen::ComputeThinV);
+    v = svd.matrixV(), s = svd.singularValues();
   } else {
     // One-sided Jacobi: singular values to high relative accuracy, in descending order.
     const unsigned options = Thin ? (Eigen::ComputeThinU | Eigen::ComputeThinV)
@@ -567,19 +578,28 @@ void svdOf(const ConstMap<Scalar>& a, bool finite, TMtx& U, TVec& S, TMtx& V, bo
     Eigen::JacobiSVD<Dense> svd(Dense(a), options);
     u = svd.matrixU(), v = svd.matrixV(), s = svd.singularValues();
   }
-  store(U, u);
+  if (U != nullptr) store(*U, u);
   store(V, v);
   store(S, RMat(s));
+}
+
+template <class Decompose>
+void svdOfSelf(const TMtx& self, Decompose&& decompose) {
+  detail::RaisingOutOfMemory([&] {
+    if (self.Rows() == 0 || self.Cols() == 0) ERaise(msg::SizeMismatch);
+    if (self.Complex()) decompose(complexView(self), allFinite(self));
+    else decompose(realView(self), allFinite(self));
+  });
 }
 
 }  // namespace
 
 void TMtx::SVD(TMtx& U, TVec& S, TMtx& V, bool Thin) const {
-  detail::RaisingOutOfMemory([&] {
-    if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
-    if (Complex()) svdOf(complexView(*this), allFinite(*this), U, S, V, Thin);
-    else svdOf(realView(*this), allFinite(*this), U, S, V, Thin);
-  });
+  svdOfSelf(*this, [&](const auto& a, bool finite) { svdOf(a, finite, &U, S, V, Thin); });
+}
+
+void TMtx::SVD(TVec& S, TMtx& V) const {
+  svdOfSelf(*this, [&](const auto& a, bool finite) { svdOf(a, finite, nullptr, S, V, true); });
 }
 
 void TMtx::SVD(TVec& S) const {
