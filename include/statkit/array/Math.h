@@ -58,8 +58,6 @@ STATKIT_API int TruncAndFrac(double x, double& Frac);
 [[nodiscard]] inline double Power(double Base, double Exponent) { return std::pow(Base, Exponent); }
 /// \brief The gamma function.
 [[nodiscard]] STATKIT_API double Gamma(double x);
-/// \brief ln |Gamma(x)|, finite where Gamma(x) overflows (x > 171.6); reentrant, unlike the C library's lgamma.
-[[nodiscard]] STATKIT_API double LnGamma(double x);
 /// \brief Base raised to an integer power (exact repeated squaring; negative powers invert).
 [[nodiscard]] STATKIT_API double IntPower(double Base, int Exponent);
 

@@ -16,8 +16,6 @@
 #include "statkit/array/Math.h"
 #include "statkit/array/Random.h"
 
-#include "array/probability/internal.h"
-
 namespace statkit {
 
 bool Equal(double a, double b) {
@@ -53,9 +51,6 @@ int aRound(double x) {
 }
 
 double Gamma(double x) { return std::tgamma(x); }
-
-// Boost.Math's, under the non-throwing policy: the C library's lgamma writes the global signgam.
-double LnGamma(double x) { return detail::prob::lnGamma(x); }
 
 double IntPower(double Base, int Exponent) {
   long long n = Exponent;
