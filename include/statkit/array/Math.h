@@ -58,6 +58,8 @@ STATKIT_API int TruncAndFrac(double x, double& Frac);
 [[nodiscard]] inline double Power(double Base, double Exponent) { return std::pow(Base, Exponent); }
 /// \brief The gamma function.
 [[nodiscard]] STATKIT_API double Gamma(double x);
+/// \brief ln |Gamma(x)|, accurate where Gamma(x) itself overflows (x > 171.6); +INF at the poles.
+[[nodiscard]] STATKIT_API double GammaLn(double x);
 /// \brief Base raised to an integer power (exact repeated squaring; negative powers invert).
 [[nodiscard]] STATKIT_API double IntPower(double Base, int Exponent);
 

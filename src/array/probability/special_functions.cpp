@@ -450,6 +450,8 @@ namespace statkit {
 
 using namespace detail::prob;
 
+double GammaLn(double x) { return lnGamma(x); }
+
 double ErfInv(double x) noexcept {
   if (!(x >= -1.0 && x <= 1.0)) return kNaN;
   if (x == 1.0) return kInf;
