@@ -44,7 +44,7 @@ void components() {
 }
 
 void plots() {
-  const TVec lives{17.88, 28.92, 33.00, 41.52, 42.12, 45.60, 48.48, 51.84, 51.96, 54.12, 55.56, 67.80,
+  const TVec lives{17.88, 28.92, 33.00, 41.52, 42.12, 45.60, 48.48,  51.84,  51.96,  54.12,  55.56, 67.80,
                    68.64, 68.64, 68.88, 84.12, 93.12, 98.64, 105.12, 105.84, 127.92, 128.04, 173.40};
   TVec x, y;
   double x1, x2, y1, y2;
@@ -98,8 +98,8 @@ void charts() {
   all.Copy(fills);
   double nonConforming, cp, cpk, cpCI[2], cpkCI[2];
   QCCapIndexes(all, 499.0, 501.5, nonConforming, cp, cpk, cpCI, cpkCI, 0.05);
-  std::printf("capability for 499.0 .. 501.5 g: Cp %.2f [%.2f, %.2f]  Cpk %.2f [%.2f, %.2f]  outside %.2g\n", cp,
-              cpCI[0], cpCI[1], cpk, cpkCI[0], cpkCI[1], nonConforming);
+  std::printf("capability for 499.0 .. 501.5 g: Cp %.2f [%.2f, %.2f]  Cpk %.2f [%.2f, %.2f]  outside %.2g\n",
+              cp, cpCI[0], cpCI[1], cpk, cpkCI[0], cpkCI[1], nonConforming);
 }
 
 void run() {

@@ -53,25 +53,28 @@ bool Chart::Write(const std::string& path) const {
   const auto py = [&](double y) { return kH - kBottom - (y - y0) / (y1 - y0) * (kH - kTop - kBottom); };
   std::ostringstream s;
   s << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << kW << "\" height=\"" << kH
-    << "\" font-family=\"sans-serif\" font-size=\"12\">\n<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n"
-    << "<text x=\"" << kW / 2 << "\" y=\"22\" text-anchor=\"middle\" font-size=\"15\">" << title_ << "</text>\n"
+    << "\" font-family=\"sans-serif\" font-size=\"12\">\n<rect width=\"100%\" height=\"100%\" "
+       "fill=\"white\"/>\n"
+    << "<text x=\"" << kW / 2 << "\" y=\"22\" text-anchor=\"middle\" font-size=\"15\">" << title_
+    << "</text>\n"
     << "<rect x=\"" << kLeft << "\" y=\"" << kTop << "\" width=\"" << kW - kLeft - kRight << "\" height=\""
     << kH - kTop - kBottom << "\" fill=\"none\" stroke=\"black\"/>\n";
   for (int t = 0; t <= 4; ++t) {  // ticks: five along each axis
     const double u = x0 + (x1 - x0) * (0.05 + 0.225 * t), v = y0 + (y1 - y0) * (0.05 + 0.225 * t);
     const double xt = logX_ ? std::pow(10.0, u) : u;
-    s << "<text x=\"" << px(xt) << "\" y=\"" << kH - kBottom + 16 << "\" text-anchor=\"middle\">" << number(xt)
-      << "</text>\n<text x=\"" << kLeft - 6 << "\" y=\"" << py(v) + 4 << "\" text-anchor=\"end\">" << number(v)
-      << "</text>\n";
+    s << "<text x=\"" << px(xt) << "\" y=\"" << kH - kBottom + 16 << "\" text-anchor=\"middle\">"
+      << number(xt) << "</text>\n<text x=\"" << kLeft - 6 << "\" y=\"" << py(v) + 4
+      << "\" text-anchor=\"end\">" << number(v) << "</text>\n";
   }
-  s << "<text x=\"" << (kLeft + kW - kRight) / 2 << "\" y=\"" << kH - 12 << "\" text-anchor=\"middle\">" << xLabel_
-    << "</text>\n<text x=\"16\" y=\"" << (kTop + kH - kBottom) / 2 << "\" transform=\"rotate(-90 16 "
-    << (kTop + kH - kBottom) / 2 << ")\" text-anchor=\"middle\">" << yLabel_ << "</text>\n";
+  s << "<text x=\"" << (kLeft + kW - kRight) / 2 << "\" y=\"" << kH - 12 << "\" text-anchor=\"middle\">"
+    << xLabel_ << "</text>\n<text x=\"16\" y=\"" << (kTop + kH - kBottom) / 2
+    << "\" transform=\"rotate(-90 16 " << (kTop + kH - kBottom) / 2 << ")\" text-anchor=\"middle\">"
+    << yLabel_ << "</text>\n";
   for (const Item& it : items_) {
     if (it.kind == Item::points) {
       for (std::size_t i = 0; i < it.x.size(); ++i)
-        s << "<circle class=\"point\" cx=\"" << px(it.x[i]) << "\" cy=\"" << py(it.y[i]) << "\" r=\"3\" fill=\""
-          << it.colour << "\"/>\n";
+        s << "<circle class=\"point\" cx=\"" << px(it.x[i]) << "\" cy=\"" << py(it.y[i])
+          << "\" r=\"3\" fill=\"" << it.colour << "\"/>\n";
       continue;
     }
     s << "<polyline class=\"" << (it.kind == Item::line ? "line" : "trace") << "\" data-y=\""
@@ -80,8 +83,8 @@ bool Chart::Write(const std::string& path) const {
     for (std::size_t i = 0; i < it.x.size(); ++i) s << px(it.x[i]) << "," << py(it.y[i]) << " ";
     s << "\"/>\n";
     if (!it.label.empty())
-      s << "<text x=\"" << px(it.x.back()) + 6 << "\" y=\"" << py(it.y.back()) + 4 << "\" fill=\"" << it.colour
-        << "\">" << it.label << "</text>\n";
+      s << "<text x=\"" << px(it.x.back()) + 6 << "\" y=\"" << py(it.y.back()) + 4 << "\" fill=\""
+        << it.colour << "\">" << it.label << "</text>\n";
   }
   s << "</svg>\n";
   std::ofstream file(path);

@@ -30,7 +30,8 @@ void sortedCopy(const TVec& Src, TVec& XOut, bool Sorted) {
 
 // The extremes of the x coordinates and, at them, the line through the quartile points
 // (qx1, qy1) and (qx3, qy3), written about their midpoint.
-void referenceLine(const TVec& XOut, Quartiles qx, Quartiles qy, double& X1, double& X2, double& Y1, double& Y2) {
+void referenceLine(const TVec& XOut, Quartiles qx, Quartiles qy, double& X1, double& X2, double& Y1,
+                   double& Y2) {
   X1 = XOut[0];
   X2 = XOut[XOut.Length() - 1];
   const double slope = (qy.q3 - qy.q1) / (qx.q3 - qx.q1);
@@ -66,8 +67,8 @@ void StatNormalPlot(const TVec& Data, TVec& XOut, TVec& YOut, double& X1, double
   });
 }
 
-void StatQQPlot(const TVec& XData, const TVec& YData, TVec& XOut, TVec& YOut, double& X1, double& X2, double& Y1,
-                double& Y2, bool XSorted, bool YSorted) {
+void StatQQPlot(const TVec& XData, const TVec& YData, TVec& XOut, TVec& YOut, double& X1, double& X2,
+                double& Y1, double& Y2, bool XSorted, bool YSorted) {
   if (XData.Complex() || YData.Complex()) ERaise("StatQQPlot: (XData.Complex) or YData.Complex");
   if (XData.Length() != YData.Length()) ERaise("StatQQPlot: (XData.Length <> YData.Length");
   if (XData.Length() < 1) ERaise("StatQQPlot: XData.Length < 1");
@@ -75,7 +76,8 @@ void StatQQPlot(const TVec& XData, const TVec& YData, TVec& XOut, TVec& YOut, do
   x->Copy(XData);
   sortedCopy(YData, YOut, YSorted);
   sortedCopy(*x, XOut, XSorted);
-  core::Guarded("StatQQPlot : ", [&] { referenceLine(XOut, quartilesOf(XOut), quartilesOf(YOut), X1, X2, Y1, Y2); });
+  core::Guarded("StatQQPlot : ",
+                [&] { referenceLine(XOut, quartilesOf(XOut), quartilesOf(YOut), X1, X2, Y1, Y2); });
 }
 
 void StatWeibullPlot(const TVec& Data, TVec& XOut, TVec& YOut, double& X1, double& X2, double& Y1, double& Y2,

@@ -100,8 +100,7 @@ void QCCapIndexes(const TVec& Data, double LSL, double USL, double& NonConformin
     const std::int64_t N = Data.Length();
     constexpr std::int64_t kExactUpTo = 1'000'000'000;
     const double nine = N <= kExactUpTo ? static_cast<double>(9 * N * N - 1) : 9.0 * N * N - 1.0;
-    const double v = (N - 1.0) / nine +
-                     Cpk * Cpk / static_cast<double>(2 * N - 6) * (1.0 + 6.0 / (N - 1.0));
+    const double v = (N - 1.0) / nine + Cpk * Cpk / static_cast<double>(2 * N - 6) * (1.0 + 6.0 / (N - 1.0));
     const double h = NormalCDFInv(1.0 - 0.5 * Alpha, 0.0, 1.0) * std::sqrt(v);
     CpkCI[0] = Cpk - h;
     CpkCI[1] = Cpk + h;

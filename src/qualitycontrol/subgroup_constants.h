@@ -15,12 +15,14 @@ namespace statkit::qc {
 inline double c4(int n) {
   if (n < 2) return NAN;
   const double h = 0.5 * n;
-  return std::sqrt(2.0 / (n - 1.0)) * std::exp(LnGamma(h) - LnGamma(h - 0.5));
+  return std::sqrt(2.0 / (n - 1.0)) * std::exp(GammaLn(h) - GammaLn(h - 0.5));
 }
 
 /// r(n) = 0.5 sqrt(n ln 2 / ((n - 1) ln n)), which stands in for d3(n) / d2(n), the
 /// standard deviation of the range of n normal values over its mean.
-inline double rangeFactor(int n) { return 0.5 * std::sqrt(n * LN2 / ((n - 1.0) * std::log(static_cast<double>(n)))); }
+inline double rangeFactor(int n) {
+  return 0.5 * std::sqrt(n * LN2 / ((n - 1.0) * std::log(static_cast<double>(n))));
+}
 
 /// The two-sided quantile of the variables charts: Confidence = 0.9973 gives z = 3.
 inline double twoSidedZ(double Confidence) { return NormalCDFInv(0.5 * Confidence + 0.5, 0.0, 1.0); }

@@ -44,8 +44,7 @@ void centreColumns(const TMtx& Data, TMtx& Dst) {
     centreColumnsOf(reinterpret_cast<const TCplx*>(Data.data()), Data.Rows(), Data.Cols(),
                     reinterpret_cast<const TCplx*>(mean->data()), reinterpret_cast<TCplx*>(Dst.data()),
                     reinterpret_cast<TCplx*>(residue->data()));
-  else
-    centreColumnsOf(Data.data(), Data.Rows(), Data.Cols(), mean->data(), Dst.data(), residue->data());
+  else centreColumnsOf(Data.data(), Data.Rows(), Data.Cols(), mean->data(), Dst.data(), residue->data());
 }
 
 }  // namespace

@@ -24,12 +24,15 @@ TEST(PcaPlotsAndChartsErrors, BadCallsRaiseExactMessages) {
       {"PCAResiduals: NumPC >= Data.Cols", [&] { PCAResiduals(none, 0, res); }},
       {"PCAResiduals: NumPC < 0", [&] { PCAResiduals(X, -1, res); }},
       {"PCA : Size mismatch", [&] { PCA(none, pc, e, nullptr); }},
-      {"PCA : CorrCoef : Covariance : Empty vector", [&] { PCA(noRows, pc, scores, e, nullptr, PCACorrMat); }},
+      {"PCA : CorrCoef : Covariance : Empty vector",
+       [&] { PCA(noRows, pc, scores, e, nullptr, PCACorrMat); }},
       {"PCAResiduals : PCA : CorrCoef : Covariance : Empty vector", [&] { PCAResiduals(noRows, 1, res); }},
       {"StatNormalPlot: (Data.Complex)", [&] { StatNormalPlot(c, out, out2, a, b, y1, y2, false); }},
       {"StatNormalPlot: Data.Length < 1", [&] { StatNormalPlot(empty, out, out2, a, b, y1, y2, false); }},
-      {"StatQQPlot: (XData.Complex) or YData.Complex", [&] { StatQQPlot(x, c, out, out2, a, b, y1, y2, 0, 0); }},
-      {"StatQQPlot: (XData.Length <> YData.Length", [&] { StatQQPlot(x, x4, out, out2, a, b, y1, y2, 0, 0); }},
+      {"StatQQPlot: (XData.Complex) or YData.Complex",
+       [&] { StatQQPlot(x, c, out, out2, a, b, y1, y2, 0, 0); }},
+      {"StatQQPlot: (XData.Length <> YData.Length",
+       [&] { StatQQPlot(x, x4, out, out2, a, b, y1, y2, 0, 0); }},
       {"StatQQPlot: XData.Length < 1", [&] { StatQQPlot(empty, empty, out, out2, a, b, y1, y2, 0, 0); }},
       {"StatWeibullPlot: (Data.Complex)", [&] { StatWeibullPlot(c, out, out2, a, b, y1, y2, false); }},
       {"StatWeibullPlot: Data.Length < 1", [&] { StatWeibullPlot(empty, out, out2, a, b, y1, y2, false); }},
@@ -51,7 +54,8 @@ TEST(PcaPlotsAndChartsErrors, BadCallsRaiseExactMessages) {
   };
   ExpectEachRaises(cases, [&](const RaiseCase& row) {
     if (row.message.find(" : ") != std::string::npos) return;  // raised while working
-    EXPECT_TRUE(out.Length() == 1 && out2[0] == 7.0 && a == 7.0 && y2 == 7.0 && res(0, 0) == 7.0 && ci[0] == 7.0)
+    EXPECT_TRUE(out.Length() == 1 && out2[0] == 7.0 && a == 7.0 && y2 == 7.0 && res(0, 0) == 7.0 &&
+                ci[0] == 7.0)
         << "output written by a failed check";
   });
 }

@@ -29,7 +29,8 @@ void ExpectComponents(const TVec& eigen, const TMtx& pc, const Record& r, const 
     const double gap = std::fmin(j > 0 ? w[j - 1] - w[j] : INF, j + 1 < p ? w[j] - w[j + 1] : INF);
     double dot = 0.0;
     for (int i = 0; i < p; ++i) dot += pc(i, j) * ref(i, j);
-    for (int i = 0; gap > 1e-3 * w[0] && i < p; ++i) EXPECT_NEAR(pc(i, j), (dot < 0 ? -1 : 1) * ref(i, j), 1e4 * kEps);
+    for (int i = 0; gap > 1e-3 * w[0] && i < p; ++i)
+      EXPECT_NEAR(pc(i, j), (dot < 0 ? -1 : 1) * ref(i, j), 1e4 * kEps);
   }
 }
 
@@ -59,7 +60,8 @@ TEST(PCA, MatchesEigenDecompositionOfCovarianceAndCorrelation) {
     // the residuals of data offset by 1e6 cancel: held to the size of the data
     double size = 0.0;
     for (double v : x) size = std::fmax(size, std::fabs(v));
-    for (int k : {0, 1, p - 1}) PCAResiduals(X, k, res), ExpectNearAll(res, r.Nums("res" + std::to_string(k)), 1e3 * kEps * size);
+    for (int k : {0, 1, p - 1})
+      PCAResiduals(X, k, res), ExpectNearAll(res, r.Nums("res" + std::to_string(k)), 1e3 * kEps * size);
   }
 }
 
@@ -70,7 +72,8 @@ TEST(PCA, ShapesAndAliasing) {
   TMtx pc, scores, res, same = X;
   TVec eigen;
   PCA(X, pc, scores, eigen, nullptr, PCACovMat);
-  EXPECT_TRUE(eigen.Length() == 3 && pc.Cols() == 3 && scores.Cols() == 3 && eigen[2] < 1e3 * kEps * eigen[0]);
+  EXPECT_TRUE(eigen.Length() == 3 && pc.Cols() == 3 && scores.Cols() == 3 &&
+              eigen[2] < 1e3 * kEps * eigen[0]);
   PCA(X, pc, scores, eigen, nullptr, PCACorrMat);
   PCA(same, pc, same, eigen, nullptr, PCACorrMat);
   ExpectNearAll(same, std::vector<double>(scores.data(), scores.data() + scores.Length()), 0.0);
