@@ -20,6 +20,24 @@ std::string number(double v) {
   std::snprintf(buf, sizeof buf, "%.4g", v);
   return buf;
 }
+
+// Round tick values in [lo, hi]: multiples of 1, 2 or 5 times a power of ten, about five of
+// them; on a logarithmic axis (lo, hi its base-10 logarithms) the 1-2-5 values of each decade.
+std::vector<double> ticks(double lo, double hi, bool logarithmic) {
+  std::vector<double> out;
+  if (logarithmic) {
+    for (double decade = std::floor(lo); decade <= hi; ++decade)
+      for (double m : {1.0, 2.0, 5.0})
+        if (const double t = std::log10(m) + decade; t >= lo && t <= hi) out.push_back(std::pow(10.0, t));
+    return out;
+  }
+  const double raw = (hi - lo) / 5, magnitude = std::pow(10.0, std::floor(std::log10(raw)));
+  const double step = magnitude * (raw / magnitude < 1.5 ? 1 : raw / magnitude < 3.5 ? 2 : 5);
+  // at most 12: where step is below the spacing of doubles near t, t + step rounds to t
+  for (double t = std::ceil(lo / step) * step; t <= hi && out.size() < 12; t += step)
+    out.push_back(std::fabs(t) < 1e-9 * step ? 0 : t);
+  return out;
+}
 }  // namespace
 
 Chart::Chart(std::string title, std::string xLabel, std::string yLabel, bool logX)
@@ -59,13 +77,13 @@ bool Chart::Write(const std::string& path) const {
     << "</text>\n"
     << "<rect x=\"" << kLeft << "\" y=\"" << kTop << "\" width=\"" << kW - kLeft - kRight << "\" height=\""
     << kH - kTop - kBottom << "\" fill=\"none\" stroke=\"black\"/>\n";
-  for (int t = 0; t <= 4; ++t) {  // ticks: five along each axis
-    const double u = x0 + (x1 - x0) * (0.05 + 0.225 * t), v = y0 + (y1 - y0) * (0.05 + 0.225 * t);
-    const double xt = logX_ ? std::pow(10.0, u) : u;
-    s << "<text x=\"" << px(xt) << "\" y=\"" << kH - kBottom + 16 << "\" text-anchor=\"middle\">"
-      << number(xt) << "</text>\n<text x=\"" << kLeft - 6 << "\" y=\"" << py(v) + 4
-      << "\" text-anchor=\"end\">" << number(v) << "</text>\n";
-  }
+  for (double t : ticks(x0, x1, logX_))
+    s << "<text x=\"" << px(t) << "\" y=\"" << kH - kBottom + 16 << "\" text-anchor=\"middle\">" << number(t)
+      << "</text>\n";
+  for (double t : ticks(y0, y1, false))
+    s << "<text x=\"" << kLeft - 6 << "\" y=\"" << py(t) + 4 << "\" text-anchor=\"end\">" << number(t)
+      << "</text>\n<line x1=\"" << kLeft << "\" x2=\"" << kW - kRight << "\" y1=\"" << py(t) << "\" y2=\""
+      << py(t) << "\" stroke=\"#e4e4e4\"/>\n";
   s << "<text x=\"" << (kLeft + kW - kRight) / 2 << "\" y=\"" << kH - 12 << "\" text-anchor=\"middle\">"
     << xLabel_ << "</text>\n<text x=\"16\" y=\"" << (kTop + kH - kBottom) / 2
     << "\" transform=\"rotate(-90 16 " << (kTop + kH - kBottom) / 2 << ")\" text-anchor=\"middle\">"
