@@ -62,11 +62,11 @@ void EWMAChart(const TMtx& Data, TVec& DrawVec, double& CL, TVec& UCL, TVec& LCL
     UCL.Size(m);
     LCL.Size(m);
     const double scale = sigma * std::sqrt(1.0 / n), ratio = Lambda / (2.0 - Lambda);
-    for (int i = 1; i <= m; ++i) {
-      // the variance of the i-th EWMA value: ratio (1 - (1 - Lambda)^(2 i)) sigma^2 / n
-      const double w = n > 1 ? scale * std::sqrt(ratio * (1.0 - Power(1.0 - Lambda, 2.0 * i))) : INF;
-      UCL[i - 1] = CL + w;
-      LCL[i - 1] = CL - w;
+    for (int i = 0; i < m; ++i) {
+      // the variance of EWMA value i + 1: ratio (1 - (1 - Lambda)^(2 (i + 1))) sigma^2 / n
+      const double w = n > 1 ? scale * std::sqrt(ratio * (1.0 - Power(1.0 - Lambda, 2.0 * (i + 1.0)))) : INF;
+      UCL[i] = CL + w;
+      LCL[i] = CL - w;
     }
   });
 }

@@ -101,18 +101,16 @@ void PCAResiduals(const TMtx& Data, int NumPC, TMtx& Residuals) {
       fit->SetZero();
     }
     Data.MeanCols(*mean);
-    const int stride = Data.Complex() ? 2 : 1;
-    // element by element, each read before it is written: Residuals may be Data
+    // element by element (complex: real and imaginary parts), each read before it is written:
+    // Residuals may be Data
     Residuals.Size(n, p, Data.Complex());
+    const std::size_t line = static_cast<std::size_t>(p) * (Data.Complex() ? 2 : 1);
     const double* x = Data.data();
     const double* f = fit->data();
     const double* m = mean->data();
     double* r = Residuals.data();
-    for (int i = 0; i < n; ++i)
-      for (int j = 0; j < p * stride; ++j) {
-        const int k = i * p * stride + j;
-        r[k] = x[k] - (m[j] + f[k]);
-      }
+    for (std::size_t k = 0, size = line * static_cast<std::size_t>(n); k < size; ++k)
+      r[k] = x[k] - (m[k % line] + f[k]);
   });
 }
 
