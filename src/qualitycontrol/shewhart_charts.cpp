@@ -60,10 +60,10 @@ void QCXChart(const TMtx& Data, TVec& DrawVec, double& CL, double& UCL, double& 
 }
 
 void QCSChart(const TMtx& Data, TVec& DrawVec, double& CL, double& UCL, double& LCL, double Confidence) {
-  const double c = qc::c4(Data.Cols());
+  const int n = Data.Cols();
   Statistics::StdRows(Data, DrawVec);
   CL = DrawVec.Mean();
-  setLimits(CL, qc::twoSidedZ(Confidence) * std::sqrt(1.0 - c * c) * CL / c, UCL, LCL);
+  setLimits(CL, qc::twoSidedZ(Confidence) * qc::c4Complement(n) * CL / qc::c4(n), UCL, LCL);
   if (LCL < 0.0) LCL = 0.0;
 }
 

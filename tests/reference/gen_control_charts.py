@@ -23,7 +23,7 @@ chi2_quantile = lambda p, k: mp.findroot(  # from SciPy's value, to 40 digits
     lambda x: mp.gammainc(mp.mpf(k) / 2, 0, x / 2, regularized=True) - p,
     tuple(mp.mpf(scipy.stats.chi2.ppf(p, k)) * f for f in (1 - 1e-6, 1 + 1e-6)), solver="anderson")
 
-for n in (2, 3, 4, 5, 10, 25, 343, 344, 500, 20000):
+for n in (2, 3, 4, 5, 10, 25, 40, 41, 42, 343, 344, 500, 20000, 2**31 - 1):
     out.record(kind="constants", n=n, c4=float(c4(n)), r=float(r(n)))
 
 # variables charts and both EWMA charts on the same subgroups (rows); (CL, UCL, LCL) under the chart's letter
