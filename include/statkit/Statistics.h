@@ -400,4 +400,18 @@ STATKIT_API void FullFactDesign(int n, TMtx& Dst, const TVec* MulVec = nullptr);
 /// \brief Mixed-level design: every combination of levels 1..Levels[j] once, the first column fastest.
 STATKIT_API void FullFactDesign(const TVec& Levels, TMtx& Dst);
 
+// --- principal components -------------------------------------------------
+// Components from the singular value decomposition, so ordered from the largest
+// variance down; column j of PC is the direction of component j, with the sign
+// the decomposition gives. VarPercent (nullptr to skip) receives 100 Eigen / sum(Eigen).
+
+/// \brief Components of a covariance or correlation matrix \p CovMat: its eigenvectors and eigenvalues.
+STATKIT_API void PCA(const TMtx& CovMat, TMtx& PC, TVec& Eigen, TVec* VarPercent);
+/// \brief Components of the data (observations in rows): of the covariance matrix with Scores the
+/// centred data times PC (PCACovMat), or of the correlation matrix with Scores the z-scores times PC.
+STATKIT_API void PCA(const TMtx& Data, TMtx& PC, TMtx& Scores, TVec& Eigen, TVec* VarPercent, TPCAMode Mode);
+/// \brief Data minus (column means + the first \p NumPC correlation-mode scores times their directions);
+/// 0 <= NumPC < Data.Cols.
+STATKIT_API void PCAResiduals(const TMtx& Data, int NumPC, TMtx& Residuals);
+
 }  // namespace statkit::Statistics

@@ -489,7 +489,7 @@ public:
   /// The trailing \p Unused has no effect (the thin form is always computed); it is accepted for
   /// callers that pass it.
   void LQR(TMtx& Q, TMtx& R, bool Unused = false) const;
-  /// \brief Singular value decomposition Self = U diag(S) V', S descending.
+  /// \brief Singular value decomposition Self = U diag(S) V^H (V^H = V' for real data), S real and descending.
   /// \param U the left singular vectors, by columns.
   /// \param S the min(Rows, Cols) singular values, descending.
   /// \param V the right singular vectors, by columns.
@@ -498,6 +498,9 @@ public:
   void SVD(TMtx& U, TVec& S, TMtx& V, bool Thin = true) const;
   /// \brief The singular values alone, descending.
   void SVD(TVec& S) const;
+  /// \brief The singular values \p S, descending, and the right singular vectors \p V (thin, by columns)
+  /// without the left ones: a tall matrix is reduced to its QR factor R first.
+  void SVD(TVec& S, TMtx& V) const;
   /// \brief Cholesky factor in place: Self = L L' with L lower triangular (the upper part zeroed,
   /// TriangleForm tfLower); reads the lower triangle.
   void Cholesky();

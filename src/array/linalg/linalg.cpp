@@ -546,29 +546,60 @@ void TMtx::LQR(TMtx& Q, TMtx& R, bool) const {
   });
 }
 
-void TMtx::SVD(TMtx& U, TVec& S, TMtx& V, bool Thin) const {
-  detail::RaisingOutOfMemory([&] {
-    detail::RequireReal(*this);
-    if (Rows() == 0 || Cols() == 0) ERaise(msg::SizeMismatch);
-    const Eigen::Index m = Rows(), n = Cols(), k = std::min(m, n);
-    RMat u, v;
-    Eigen::VectorXd s;
-    if (!allFinite(*this)) {
-      // Eigen refuses non-finite input without results; NaN is the IEEE answer.
-      u.setConstant(m, Thin ? k : m, NAN);
-      v.setConstant(n, Thin ? k : n, NAN);
-      s.setConstant(k, NAN);
-    } else {
-      // One-sided Jacobi: singular values to high relative accuracy, in descending order.
-      const unsigned options = Thin ? (Eigen::ComputeThinU | Eigen::ComputeThinV)
-                                    : (Eigen::ComputeFullU | Eigen::ComputeFullV);
-      Eigen::JacobiSVD<Eigen::MatrixXd> svd(Eigen::MatrixXd(realView(*this)), options);
-      u = svd.matrixU(), v = svd.matrixV(), s = svd.singularValues();
+namespace {
+
+// Self = U diag(S) V^H for real (S = double) or complex (S = Cplx) storage; without U
+// (U == nullptr) a tall matrix is first reduced to the R factor of a blocked Householder
+// QR, which has its singular values and right vectors: the Jacobi sweeps then run on an
+// n x n matrix, not on m x n rows.
+template <class Scalar>
+void svdOf(const ConstMap<Scalar>& a, bool finite, TMtx* U, TVec& S, TMtx& V, bool Thin) {
+  using Dense = Eigen::Matrix<Scalar, Dynamic, Dynamic>;
+  const Eigen::Index m = a.rows(), n = a.cols(), k = std::min(m, n);
+  Mat<Scalar> u, v;
+  Eigen::VectorXd s;
+  if (!finite) {
+    // Eigen refuses non-finite input without results; NaN is the IEEE answer.
+    u.setConstant(m, Thin ? k : m, Scalar(NAN));
+    v.setConstant(n, Thin ? k : n, Scalar(NAN));
+    s.setConstant(k, NAN);
+  } else if (U == nullptr) {
+    Dense r = a;
+    if (m > n) {
+      Eigen::HouseholderQR<Eigen::Ref<Dense>> qr(r);
+      r = Dense(r.topRows(n).template triangularView<Eigen::Upper>());
     }
-    store(U, u);
-    store(V, v);
-    store(S, RMat(s));
+    Eigen::JacobiSVD<Dense> svd(r, Eigen::ComputeThinV);
+    v = svd.matrixV(), s = svd.singularValues();
+  } else {
+    // One-sided Jacobi: singular values to high relative accuracy, in descending order.
+    const unsigned options = Thin ? (Eigen::ComputeThinU | Eigen::ComputeThinV)
+                                  : (Eigen::ComputeFullU | Eigen::ComputeFullV);
+    Eigen::JacobiSVD<Dense> svd(Dense(a), options);
+    u = svd.matrixU(), v = svd.matrixV(), s = svd.singularValues();
+  }
+  if (U != nullptr) store(*U, u);
+  store(V, v);
+  store(S, RMat(s));
+}
+
+template <class Decompose>
+void svdOfSelf(const TMtx& self, Decompose&& decompose) {
+  detail::RaisingOutOfMemory([&] {
+    if (self.Rows() == 0 || self.Cols() == 0) ERaise(msg::SizeMismatch);
+    if (self.Complex()) decompose(complexView(self), allFinite(self));
+    else decompose(realView(self), allFinite(self));
   });
+}
+
+}  // namespace
+
+void TMtx::SVD(TMtx& U, TVec& S, TMtx& V, bool Thin) const {
+  svdOfSelf(*this, [&](const auto& a, bool finite) { svdOf(a, finite, &U, S, V, Thin); });
+}
+
+void TMtx::SVD(TVec& S, TMtx& V) const {
+  svdOfSelf(*this, [&](const auto& a, bool finite) { svdOf(a, finite, nullptr, S, V, true); });
 }
 
 void TMtx::SVD(TVec& S) const {
