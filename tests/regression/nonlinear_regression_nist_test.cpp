@@ -1,0 +1,222 @@
+// NIST StRD nonlinear least squares: all 27 sets by Marquardt from both start values, with exact model
+// derivatives (forward-mode automatic differentiation of the model as written) and with NumericDerive;
+// the lower-difficulty sets also by Nelder-Mead, BFGS, DFP and both conjugate gradients. Prints the LREs.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <numbers>
+#include <string>
+
+#include "statkit/Regress.h"
+#include "support/fixture.h"
+#include "support/nist.h"
+
+namespace statkit::Regress {
+namespace {
+
+// A number with its derivatives by up to nine parameters (forward-mode automatic differentiation).
+struct Dual {
+  double v;
+  std::array<double, 9> d{};
+};
+Dual lift(double v, double dv, const Dual& a) {
+  Dual r{v};
+  for (int j = 0; j < 9; ++j) r.d[j] = dv * a.d[j];
+  return r;
+}
+Dual operator+(const Dual& a, const Dual& b) {
+  Dual r{a.v + b.v};
+  for (int j = 0; j < 9; ++j) r.d[j] = a.d[j] + b.d[j];
+  return r;
+}
+Dual operator*(const Dual& a, const Dual& b) {
+  Dual r{a.v * b.v};
+  for (int j = 0; j < 9; ++j) r.d[j] = a.d[j] * b.v + a.v * b.d[j];
+  return r;
+}
+Dual operator-(const Dual& a) { return lift(-a.v, -1, a); }
+Dual operator-(const Dual& a, const Dual& b) { return a + -b; }
+Dual operator/(const Dual& a, const Dual& b) { return a * lift(1 / b.v, -1 / (b.v * b.v), b); }
+Dual operator+(const Dual& a, double c) { return lift(a.v + c, 1, a); }
+Dual operator+(double c, const Dual& a) { return a + c; }
+Dual operator-(double c, const Dual& a) { return -a + c; }
+Dual operator*(const Dual& a, double c) { return lift(a.v * c, c, a); }
+Dual operator*(double c, const Dual& a) { return a * c; }
+Dual operator/(const Dual& a, double c) { return a * (1 / c); }
+Dual operator/(double c, const Dual& a) { return lift(c / a.v, -c / (a.v * a.v), a); }
+Dual exp(const Dual& a) { return lift(std::exp(a.v), std::exp(a.v), a); }
+Dual log(const Dual& a) { return lift(std::log(a.v), 1 / a.v, a); }
+Dual cos(const Dual& a) { return lift(std::cos(a.v), -std::sin(a.v), a); }
+Dual sin(const Dual& a) { return lift(std::sin(a.v), std::cos(a.v), a); }
+Dual atan(const Dual& a) { return lift(std::atan(a.v), 1 / (1 + a.v * a.v), a); }
+Dual pow(const Dual& a, double c) { return lift(std::pow(a.v, c), c * std::pow(a.v, c - 1), a); }
+Dual pow(const Dual& a, const Dual& c) { return exp(log(a) * c); }
+Dual pow(double a, const Dual& c) { return exp(std::log(a) * c); }
+using std::atan, std::cos, std::exp, std::log, std::pow, std::sin;
+
+// The models as NIST writes them, for doubles and duals alike.
+constexpr double pi = std::numbers::pi;
+constexpr auto misra1a = [](const auto* b, double x) { return b[0] * (1 - exp(-b[1] * x)); };
+constexpr auto chwirut = [](const auto* b, double x) { return exp(-b[0] * x) / (b[1] + b[2] * x); };
+constexpr auto lanczos = [](const auto* b, double x) {
+  return b[0] * exp(-b[1] * x) + b[2] * exp(-b[3] * x) + b[4] * exp(-b[5] * x);
+};
+constexpr auto gauss = [](const auto* b, double x) {
+  return b[0] * exp(-b[1] * x) + b[2] * exp(-(x - b[3]) * (x - b[3]) / (b[4] * b[4])) +
+         b[5] * exp(-(x - b[6]) * (x - b[6]) / (b[7] * b[7]));
+};
+constexpr auto danwood = [](const auto* b, double x) { return b[0] * pow(x, b[1]); };
+constexpr auto misra1b = [](const auto* b, double x) { return b[0] * (1 - pow(1 + b[1] * x / 2, -2.0)); };
+constexpr auto kirby2 = [](const auto* b, double x) {
+  return (b[0] + b[1] * x + b[2] * x * x) / (1 + b[3] * x + b[4] * x * x);
+};
+constexpr auto cubicRatio = [](const auto* b, double x) {
+  return (b[0] + b[1] * x + b[2] * x * x + b[3] * x * x * x) / (1 + b[4] * x + b[5] * x * x + b[6] * x * x * x);
+};
+constexpr auto mgh17 = [](const auto* b, double x) { return b[0] + b[1] * exp(-x * b[3]) + b[2] * exp(-x * b[4]); };
+constexpr auto misra1c = [](const auto* b, double x) { return b[0] * (1 - pow(1 + 2 * b[1] * x, -0.5)); };
+constexpr auto misra1d = [](const auto* b, double x) { return b[0] * b[1] * x / (1 + b[1] * x); };
+constexpr auto roszman1 = [](const auto* b, double x) { return b[0] - b[1] * x - atan(b[2] / (x - b[3])) / pi; };
+constexpr auto enso = [](const auto* b, double x) {
+  return b[0] + b[1] * cos(2 * pi * x / 12) + b[2] * sin(2 * pi * x / 12) + b[4] * cos(2 * pi * x / b[3]) +
+         b[5] * sin(2 * pi * x / b[3]) + b[7] * cos(2 * pi * x / b[6]) + b[8] * sin(2 * pi * x / b[6]);
+};
+constexpr auto mgh09 = [](const auto* b, double x) { return b[0] * (x * x + x * b[1]) / (x * x + x * b[2] + b[3]); };
+constexpr auto rat42 = [](const auto* b, double x) { return b[0] / (1 + exp(b[1] - b[2] * x)); };
+constexpr auto mgh10 = [](const auto* b, double x) { return b[0] * exp(b[1] / (x + b[2])); };
+constexpr auto eckerle4 = [](const auto* b, double x) {
+  return (b[0] / b[1]) * exp(-0.5 * ((x - b[2]) / b[1]) * ((x - b[2]) / b[1]));
+};
+constexpr auto rat43 = [](const auto* b, double x) { return b[0] / pow(1 + exp(b[1] - b[2] * x), 1 / b[3]); };
+constexpr auto bennett5 = [](const auto* b, double x) { return b[0] * pow(b[1] + x, -1 / b[2]); };
+
+template <const auto& M>
+double eval(std::span<const double> B, double X) {
+  return M(B.data(), X);
+}
+template <const auto& M>
+void derive(TRegressFun, double X, double, std::span<const double> B, TVec& Grad) {
+  Dual b[9];
+  for (std::size_t j = 0; j < B.size(); ++j) b[j] = {B[j]}, b[j].d[j] = 1;
+  const Dual r = M(b, X);
+  for (std::size_t j = 0; j < B.size(); ++j) Grad[static_cast<int>(j)] = r.d[j];
+}
+
+struct NistModel {
+  const char* name;
+  TRegressFun f;
+  TDeriveProc d;
+  bool lowerDifficulty;
+};
+#define MODEL(name, m, low) {name, eval<m>, derive<m>, low}
+const NistModel kSets[] = {
+    MODEL("Misra1a", misra1a, true),   MODEL("Chwirut2", chwirut, true), MODEL("Chwirut1", chwirut, true),
+    MODEL("Lanczos3", lanczos, true),  MODEL("Gauss1", gauss, true),     MODEL("Gauss2", gauss, true),
+    MODEL("DanWood", danwood, true),   MODEL("Misra1b", misra1b, true),  MODEL("Kirby2", kirby2, false),
+    MODEL("Hahn1", cubicRatio, false), {"Nelson", nullptr, nullptr, false}, MODEL("MGH17", mgh17, false),
+    MODEL("Lanczos1", lanczos, false), MODEL("Lanczos2", lanczos, false), MODEL("Gauss3", gauss, false),
+    MODEL("Misra1c", misra1c, false),  MODEL("Misra1d", misra1d, false), MODEL("Roszman1", roszman1, false),
+    MODEL("ENSO", enso, false),        MODEL("MGH09", mgh09, false),     MODEL("Thurber", cubicRatio, false),
+    MODEL("BoxBOD", misra1a, false),   MODEL("Rat42", rat42, false),     MODEL("MGH10", mgh10, false),
+    MODEL("Eckerle4", eckerle4, false), MODEL("Rat43", rat43, false),    MODEL("Bennett5", bennett5, false)};
+#undef MODEL
+
+// Fits one set from start 1 or 2 and returns the smallest LRE of its parameters. Nelson's two regressors
+// reach its capturing model through the observation index as X; the gradient methods work on the
+// parameters divided by their start values (unscaled, BFGS and DFP stall on Misra1a and Misra1b, whose
+// parameters differ by six orders of magnitude).
+double fitLRE(const NistModel& m, int start, bool numeric, TOptMethod method, int maxIter, double tol) {
+  const test::StrdSet set = test::ReadStrd("nls/" + std::string(m.name));
+  const int p = static_cast<int>(set.params.size());
+  const bool scaled = method != optSimplex && method != optMarquardt;
+  TVec B(p), scale(p);
+  for (int j = 0; j < p; ++j) scale[j] = scaled ? set.Values(set.params[j])[start - 1] : 1.0;
+  for (int j = 0; j < p; ++j) B[j] = set.Values(set.params[j])[start - 1] / scale[j];
+  TVec X = set.Column(1), Y = set.Column(0);
+  TRegressFunction f = m.f;
+  TDeriveFunction d = [&](const TRegressFunction&, double x, double y, std::span<const double> b, TVec& g) {
+    m.d(m.f, x, y, b, g);
+  };
+  TVec x1, x2;
+  if (m.f == nullptr) {  // Nelson: log y = b1 - b2 x1 exp(-b3 x2)
+    x1 = set.Column(1), x2 = set.Column(2);
+    for (int i = 0; i < X.Length(); ++i) X[i] = i, Y[i] = std::log(Y[i]);
+    f = [&](std::span<const double> b, double i) {
+      const int k = static_cast<int>(i);
+      return b[0] - b[1] * x1[k] * std::exp(-b[2] * x2[k]);
+    };
+    d = [&](const TRegressFunction&, double i, double, std::span<const double> b, TVec& g) {
+      const int k = static_cast<int>(i);
+      const double e = std::exp(-b[2] * x2[k]);
+      g[0] = 1, g[1] = -x1[k] * e, g[2] = b[1] * x1[k] * x2[k] * e;
+    };
+  }
+  TRegressFunction fs = f;
+  TDeriveFunction ds = d;
+  if (scaled) {
+    fs = [&](std::span<const double> q, double x) {
+      double b[9];
+      for (int j = 0; j < p; ++j) b[j] = q[j] * scale[j];
+      return f(std::span<const double>(b, p), x);
+    };
+    ds = [&](const TRegressFunction&, double x, double y, std::span<const double> q, TVec& g) {
+      double b[9];
+      for (int j = 0; j < p; ++j) b[j] = q[j] * scale[j];
+      d(f, x, y, std::span<const double>(b, p), g);
+      for (int j = 0; j < p; ++j) g[j] *= scale[j];
+    };
+  }
+  TOptStopReason why{};
+  NLinRegress(X, Y, fs, numeric ? TDeriveFunction() : ds, B, method, why, nullptr, nullptr, false, maxIter, tol, 0);
+  double lre = 99;
+  for (int j = 0; j < p; ++j) lre = std::min(lre, test::LRE(B[j] * scale[j], set.estimates[j]));
+  return lre;
+}
+
+TEST(NLinRegressNist, MarquardtReachesTheCertifiedValues) {
+  if (test::StrdDir().empty()) GTEST_SKIP() << "NIST StRD folder not present";
+  int passed[2][2] = {};  // [start][numeric]
+  std::printf("  set        start1:exact numeric  start2:exact numeric\n");
+  for (const NistModel& m : kSets) {
+    std::printf("  %-10s", m.name);
+    for (int start : {1, 2})
+      for (bool numeric : {false, true}) {
+        const double lre = fitLRE(m, start, numeric, optMarquardt, 5000, 1e-15);
+        passed[start - 1][numeric] += lre >= 6;
+        std::printf(" %12.1f", lre);
+        if (start == 2) {
+          EXPECT_GE(lre, 6) << m.name << (numeric ? " numeric" : " exact");
+        }
+      }
+    std::printf("\n");
+  }
+  EXPECT_GE(passed[0][0], 24);
+  EXPECT_GE(passed[0][1], 24);
+}
+
+TEST(NLinRegressNist, OtherOptimisersOnTheLowerDifficultySets) {
+  if (test::StrdDir().empty()) GTEST_SKIP() << "NIST StRD folder not present";
+  const TOptMethod methods[] = {optSimplex, optBFGS, optDFP, optConjGradFR, optConjGradPR};
+  std::printf("  set        Simplex  BFGS   DFP    CG-FR  CG-PR (start 2)\n");
+  for (const NistModel& m : kSets) {
+    if (!m.lowerDifficulty) continue;
+    std::printf("  %-10s", m.name);
+    for (TOptMethod method : methods) {
+      const double lre = fitLRE(m, 2, false, method, 200000, method == optSimplex ? 1e-13 : 1e-15);
+      std::printf(" %6.1f", lre);
+      // Lanczos3 (scaled Gauss-Newton condition 6.6e8): conjugate gradients end far off; BFGS and DFP end
+      // at LRE 0.1 when a steepest-descent Wolfe search fails (osSmallStep), a limit of the line search
+      if (std::string(m.name) != "Lanczos3" || method == optSimplex) {
+        EXPECT_GE(lre, 4) << m.name << " " << TOptMethodNames[method];
+      }
+    }
+    std::printf("\n");
+  }
+}
+
+}  // namespace
+}  // namespace statkit::Regress
