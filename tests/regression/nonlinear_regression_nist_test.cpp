@@ -23,6 +23,7 @@ struct Dual {
   double v;
   std::array<double, 9> d{};
 };
+// a function of a dual with value v and derivative dv by its argument
 Dual lift(double v, double dv, const Dual& a) {
   Dual r{v};
   for (int j = 0; j < 9; ++j) r.d[j] = dv * a.d[j];
@@ -95,9 +96,7 @@ constexpr auto rat43 = [](const auto* b, double x) { return b[0] / pow(1 + exp(b
 constexpr auto bennett5 = [](const auto* b, double x) { return b[0] * pow(b[1] + x, -1 / b[2]); };
 
 template <const auto& M>
-double eval(std::span<const double> B, double X) {
-  return M(B.data(), X);
-}
+double eval(std::span<const double> B, double X) { return M(B.data(), X); }
 template <const auto& M>
 void derive(TRegressFun, double X, double, std::span<const double> B, TVec& Grad) {
   Dual b[9];
@@ -106,12 +105,7 @@ void derive(TRegressFun, double X, double, std::span<const double> B, TVec& Grad
   for (std::size_t j = 0; j < B.size(); ++j) Grad[static_cast<int>(j)] = r.d[j];
 }
 
-struct NistModel {
-  const char* name;
-  TRegressFun f;
-  TDeriveProc d;
-  bool lowerDifficulty;
-};
+struct NistModel { const char* name; TRegressFun f; TDeriveProc d; bool lowerDifficulty; };
 #define MODEL(name, m, low) {name, eval<m>, derive<m>, low}
 const NistModel kSets[] = {
     MODEL("Misra1a", misra1a, true),   MODEL("Chwirut2", chwirut, true), MODEL("Chwirut1", chwirut, true),
@@ -145,33 +139,21 @@ double fitLRE(const NistModel& m, int start, bool numeric, TOptMethod method, in
   if (m.f == nullptr) {  // Nelson: log y = b1 - b2 x1 exp(-b3 x2)
     x1 = set.Column(1), x2 = set.Column(2);
     for (int i = 0; i < X.Length(); ++i) X[i] = i, Y[i] = std::log(Y[i]);
-    f = [&](std::span<const double> b, double i) {
-      const int k = static_cast<int>(i);
-      return b[0] - b[1] * x1[k] * std::exp(-b[2] * x2[k]);
-    };
+    f = [&](std::span<const double> b, double i) { return b[0] - b[1] * x1[int(i)] * std::exp(-b[2] * x2[int(i)]); };
     d = [&](const TRegressFunction&, double i, double, std::span<const double> b, TVec& g) {
-      const int k = static_cast<int>(i);
-      const double e = std::exp(-b[2] * x2[k]);
-      g[0] = 1, g[1] = -x1[k] * e, g[2] = b[1] * x1[k] * x2[k] * e;
+      const int k = int(i);
+      g[0] = 1, g[1] = -x1[k] * std::exp(-b[2] * x2[k]), g[2] = -b[1] * x2[k] * g[1];
     };
   }
-  TRegressFunction fs = f;
-  TDeriveFunction ds = d;
-  if (scaled) {
+  TRegressFunction fs = f;  // on the scaled parameters, differentiated numerically
+  if (scaled)
     fs = [&](std::span<const double> q, double x) {
       double b[9];
       for (int j = 0; j < p; ++j) b[j] = q[j] * scale[j];
       return f(std::span<const double>(b, p), x);
     };
-    ds = [&](const TRegressFunction&, double x, double y, std::span<const double> q, TVec& g) {
-      double b[9];
-      for (int j = 0; j < p; ++j) b[j] = q[j] * scale[j];
-      d(f, x, y, std::span<const double>(b, p), g);
-      for (int j = 0; j < p; ++j) g[j] *= scale[j];
-    };
-  }
   TOptStopReason why{};
-  NLinRegress(X, Y, fs, numeric ? TDeriveFunction() : ds, B, method, why, nullptr, nullptr, false, maxIter, tol, 0);
+  NLinRegress(X, Y, fs, numeric || scaled ? TDeriveFunction() : d, B, method, why, nullptr, nullptr, false, maxIter, tol, 0);
   double lre = 99;
   for (int j = 0; j < p; ++j) lre = std::min(lre, test::LRE(B[j] * scale[j], set.estimates[j]));
   return lre;
