@@ -159,45 +159,35 @@ double fitLRE(const NistModel& m, int start, bool numeric, TOptMethod method, in
   return lre;
 }
 
-TEST(NLinRegressNist, MarquardtReachesTheCertifiedValues) {
+// One row per set: Marquardt from start 1 and 2 (exact, numeric derivatives), then from start 2 the other
+// optimisers on the lower-difficulty sets. Lanczos3 (scaled Gauss-Newton condition 6.6e8) is exempt for the
+// gradient methods: the conjugate gradients end far off, and BFGS and DFP stop (osSmallStep) when a
+// steepest-descent Wolfe search fails, a limit of their line search.
+TEST(NLinRegressNist, CertifiedValuesByEveryOptimiser) {
   if (test::StrdDir().empty()) GTEST_SKIP() << "NIST StRD folder not present";
-  int passed[2][2] = {};  // [start][numeric]
-  std::printf("  set        start1:exact numeric  start2:exact numeric\n");
+  int passedFromStart1[2] = {};
+  std::printf("  set       Marquardt s1:exact numeric s2:exact numeric | s2: Simplex BFGS DFP CG-FR CG-PR\n");
   for (const NistModel& m : kSets) {
     std::printf("  %-10s", m.name);
     for (int start : {1, 2})
       for (bool numeric : {false, true}) {
         const double lre = fitLRE(m, start, numeric, optMarquardt, 5000, 1e-15);
-        passed[start - 1][numeric] += lre >= 6;
-        std::printf(" %12.1f", lre);
-        if (start == 2) {
-          EXPECT_GE(lre, 6) << m.name << (numeric ? " numeric" : " exact");
-        }
+        std::printf(" %7.1f", lre);
+        passedFromStart1[numeric] += start == 1 && lre >= 6;
+        EXPECT_TRUE(start == 1 || lre >= 6) << m.name << (numeric ? " numeric " : " exact ") << lre;
       }
-    std::printf("\n");
-  }
-  EXPECT_GE(passed[0][0], 24);
-  EXPECT_GE(passed[0][1], 24);
-}
-
-TEST(NLinRegressNist, OtherOptimisersOnTheLowerDifficultySets) {
-  if (test::StrdDir().empty()) GTEST_SKIP() << "NIST StRD folder not present";
-  const TOptMethod methods[] = {optSimplex, optBFGS, optDFP, optConjGradFR, optConjGradPR};
-  std::printf("  set        Simplex  BFGS   DFP    CG-FR  CG-PR (start 2)\n");
-  for (const NistModel& m : kSets) {
-    if (!m.lowerDifficulty) continue;
-    std::printf("  %-10s", m.name);
-    for (TOptMethod method : methods) {
-      const double lre = fitLRE(m, 2, false, method, 200000, method == optSimplex ? 1e-13 : 1e-15);
-      std::printf(" %6.1f", lre);
-      // Lanczos3 (scaled Gauss-Newton condition 6.6e8): conjugate gradients end far off; BFGS and DFP end
-      // at LRE 0.1 when a steepest-descent Wolfe search fails (osSmallStep), a limit of the line search
-      if (std::string(m.name) != "Lanczos3" || method == optSimplex) {
-        EXPECT_GE(lre, 4) << m.name << " " << TOptMethodNames[method];
-      }
+    for (TOptMethod method : {optSimplex, optBFGS, optDFP, optConjGradFR, optConjGradPR}) {
+      if (!m.lowerDifficulty) break;
+      const bool simplex = method == optSimplex;
+      const double lre = fitLRE(m, 2, false, method, simplex ? 20000 : 500, simplex ? 1e-13 : 1e-15);
+      std::printf(" %5.1f", lre);
+      const bool exempt = std::string(m.name) == "Lanczos3" && !simplex;
+      EXPECT_TRUE(exempt || lre >= 4) << m.name << " " << TOptMethodNames[method] << " " << lre;
     }
     std::printf("\n");
   }
+  EXPECT_GE(passedFromStart1[0], 24);
+  EXPECT_GE(passedFromStart1[1], 24);
 }
 
 }  // namespace
