@@ -18,12 +18,14 @@ void growthDeriv(TRegressFun, double x, double, std::span<const double> b, TVec&
 
 void run() {
   // Dental research monomolecular adsorption (volume against pressure), Misra 1978.
-  const TVec x{77.6, 114.9, 141.1, 190.8, 239.9, 289.0, 332.8, 378.4, 434.8, 477.3, 536.8, 593.1, 689.1, 760.0};
-  const TVec y{10.07, 14.73, 17.94, 23.93, 29.61, 35.18, 40.02, 44.82, 50.76, 55.05, 61.01, 66.40, 75.47, 81.78};
+  const TVec x{77.6,  114.9, 141.1, 190.8, 239.9, 289.0, 332.8,
+               378.4, 434.8, 477.3, 536.8, 593.1, 689.1, 760.0};
+  const TVec y{10.07, 14.73, 17.94, 23.93, 29.61, 35.18, 40.02,
+               44.82, 50.76, 55.05, 61.01, 66.40, 75.47, 81.78};
   TVec B{500, 1e-4}, fitted;
   TOptStopReason why;
-  const int iter = NLinRegress(x, y, growth, growthDeriv, B, optMarquardt, why, nullptr, &fitted, false, 500, 1e-12,
-                               1e-12);
+  const int iter = NLinRegress(x, y, growth, growthDeriv, B, optMarquardt, why, nullptr, &fitted, false, 500,
+                               1e-12, 1e-12);
   std::printf("growth curve by Marquardt: b0 = %.6g, b1 = %.6g (%d iterations, %s)\n", B[0], B[1], iter,
               statkit::TOptStopReasonNames[why].data());
   std::printf("  fitted at the last pressure: %.4g (observed %.4g)\n", fitted[13], y[13]);
@@ -34,8 +36,8 @@ void run() {
   for (int i = 0; i < 6; ++i) A(i, 0) = 1, A(i, 1) = std::log(dose[i]);
   TVec b, se;
   LogisticRegress(killed, total, b, &A, 0.0, nullptr, &se, 1e-10);
-  std::printf("dose-response: logit p = %.4f (se %.4f) + %.4f (se %.4f) ln dose; LD50 = %.3g\n", b[0], se[0], b[1],
-              se[1], std::exp(-b[0] / b[1]));
+  std::printf("dose-response: logit p = %.4f (se %.4f) + %.4f (se %.4f) ln dose; LD50 = %.3g\n", b[0], se[0],
+              b[1], se[1], std::exp(-b[0] / b[1]));
 
   // Two nearly collinear predictors: ridge shrinks the unstable pair towards a shared value.
   const TMtx P{{1.0, 1.1}, {2.0, 1.9}, {3.0, 3.05}, {4.0, 4.1}, {5.0, 4.9}, {6.0, 6.1}};

@@ -23,14 +23,14 @@ using RegModels::TRegressFun;
 // --- nonlinear, logistic and ridge regression ---
 // (std::function and std::span come with Array.h)
 
-using statkit::TOptMethod;
-using statkit::TOptStopReason;
-using statkit::optSimplex;
-using statkit::optMarquardt;
 using statkit::optBFGS;
-using statkit::optDFP;
 using statkit::optConjGradFR;
 using statkit::optConjGradPR;
+using statkit::optDFP;
+using statkit::optMarquardt;
+using statkit::optSimplex;
+using statkit::TOptMethod;
+using statkit::TOptStopReason;
 
 /// \brief A model as any callable (a capturing lambda): its value at \p X for the parameters \p B.
 using TRegressFunction = std::function<double(std::span<const double> B, double X)>;
@@ -43,15 +43,20 @@ using TDeriveFunction = std::function<void(const TRegressFunction& RegressFun, d
 /// central differences at h, 2h and 4h (h = GradStepSize |B[i]|, or GradStepSize when B[i] is 0)
 /// extrapolated twice (Richardson). \p Y is not used; \p Grad is not resized ("Size mismatch" when shorter
 /// than \p B).
-STATKIT_API void NumericDerive(TRegressFun RegressFun, double X, double Y, std::span<const double> B, TVec& Grad);
-/// \brief NumericDerive for a model given as any callable.
-STATKIT_API void NumericDerive(const TRegressFunction& RegressFun, double X, double Y, std::span<const double> B,
+STATKIT_API void NumericDerive(TRegressFun RegressFun, double X, double Y, std::span<const double> B,
                                TVec& Grad);
+/// \brief NumericDerive for a model given as any callable.
+STATKIT_API void NumericDerive(const TRegressFunction& RegressFun, double X, double Y,
+                               std::span<const double> B, TVec& Grad);
 
 /// \brief Fits the model y = RegressFun(B, x) to (X, Y) by (weighted) least squares with the optimiser
 /// \p Method, starting from \p B, and returns the optimiser's result (0 when \p Method is out of range).
+/// \param X the abscissae.
+/// \param Y the observations, as many as \p X.
+/// \param RegressFun the model.
 /// \param DeriveProc the model's derivatives, or nullptr for NumericDerive.
 /// \param B start values in, the fitted coefficients out.
+/// \param Method the optimiser (optSimplex .. optConjGradPR).
 /// \param StopReason why the optimiser stopped.
 /// \param Weights optional weights of the squared residuals (nullptr: all 1).
 /// \param YCalc optional: the model values of the optimiser's last objective evaluation.
@@ -59,9 +64,9 @@ STATKIT_API void NumericDerive(const TRegressFunction& RegressFun, double X, dou
 /// \param MaxIter iteration limit of the optimiser.
 /// \param Tol step tolerance of the optimiser.
 /// \param GradTol gradient tolerance (not used by optSimplex).
-STATKIT_API int NLinRegress(const TVec& X, const TVec& Y, TRegressFun RegressFun, TDeriveProc DeriveProc, TVec& B,
-                            TOptMethod Method, TOptStopReason& StopReason, const TVec* Weights, TVec* YCalc,
-                            bool OptimizerFlag, int MaxIter, double Tol, double GradTol);
+STATKIT_API int NLinRegress(const TVec& X, const TVec& Y, TRegressFun RegressFun, TDeriveProc DeriveProc,
+                            TVec& B, TOptMethod Method, TOptStopReason& StopReason, const TVec* Weights,
+                            TVec* YCalc, bool OptimizerFlag, int MaxIter, double Tol, double GradTol);
 /// \brief NLinRegress for a model and derivative given as any callables (an empty DeriveProc selects
 /// NumericDerive).
 STATKIT_API int NLinRegress(const TVec& X, const TVec& Y, const TRegressFunction& RegressFun,
@@ -71,13 +76,16 @@ STATKIT_API int NLinRegress(const TVec& X, const TVec& Y, const TRegressFunction
 
 /// \brief Binomial logistic regression by iteratively reweighted least squares: \p y successes of \p n
 /// trials, logit p = Offset + A B (at most 1000 passes, until the deviance changes by no more than \p Tol).
+/// \param y the successes per observation.
+/// \param n the trials per observation.
 /// \param B the coefficients, one per column of the design (not written when no pass is made).
 /// \param A the design matrix, or nullptr for a single column of ones.
 /// \param Offset added to every linear predictor.
 /// \param YCalc optional: the fitted counts n p at the start of the last pass.
 /// \param BStdErr optional: the standard errors of \p B (not written when no pass is made).
-STATKIT_API void LogisticRegress(const TVec& y, const TVec& n, TVec& B, const TMtx* A, double Offset, TVec* YCalc,
-                                 TVec* BStdErr, double Tol);
+/// \param Tol the limit on the change of the deviance between passes.
+STATKIT_API void LogisticRegress(const TVec& y, const TVec& n, TVec& B, const TMtx* A, double Offset,
+                                 TVec* YCalc, TVec* BStdErr, double Tol);
 /// \brief Ordinal (cumulative logit, proportional odds) logistic regression by maximum likelihood with
 /// Marquardt: P(Y <= c) = logistic(Theta_c - A B); returns Marquardt's result.
 /// \param y category codes (whole numbers).
@@ -91,8 +99,9 @@ STATKIT_API void LogisticRegress(const TVec& y, const TVec& n, TVec& B, const TM
 /// \param MaxIter iteration limit of Marquardt.
 /// \param Tol both tolerances of Marquardt.
 /// \param InitEstimates true: start from B = 0 and the logits of the cumulative category proportions.
-STATKIT_API int LogisticRegress(const TVec& y, const TMtx& A, TVec& B, TVec& Theta, TVec& BStdErr, double& FMin,
-                                TOptStopReason& StopReason, int MaxIter, double Tol, bool InitEstimates);
+STATKIT_API int LogisticRegress(const TVec& y, const TMtx& A, TVec& B, TVec& Theta, TVec& BStdErr,
+                                double& FMin, TOptStopReason& StopReason, int MaxIter, double Tol,
+                                bool InitEstimates);
 
 /// \brief Ridge regression of \p y on the standardised columns of \p A: B minimises
 /// |y - Z B|^2 + k |B|^2 (no intercept; a column without spread is only centred).

@@ -52,7 +52,7 @@ void standardErrorsFromR(TMtx& R, TVec& se) {
 struct OrdinalContext final : TObject {
   int N = 0, q = 0, p = 0;
   std::vector<int> rank;
-  std::vector<double> xt;        // N x p, row by row: -A(i, j) / s_j
+  std::vector<double> xt;         // N x p, row by row: -A(i, j) / s_j
   std::vector<double> f1, f2, d;  // F'(t1), F'(t2) (0 where the term is absent) and the probability
   std::vector<double> g1, g2;     // F(t1), F(t2)
 };
@@ -75,7 +75,7 @@ double ordinalObjective(std::span<const double> P, std::span<const double>, std:
     double eta = 0;
     for (int j = 0; j < c.p; ++j) eta += x[j] * b[j];
     const int r = c.rank[i];
-    const bool upper = r < c.q, lower = r > 0;
+    const bool upper = r<c.q, lower = r> 0;
     const double t1 = upper ? P[r] + eta : INF, t2 = lower ? P[r - 1] + eta : -INF;
     c.g1[i] = upper ? logistic(t1) : 1.0;
     c.g2[i] = lower ? logistic(t2) : 0.0;
@@ -90,8 +90,8 @@ double ordinalObjective(std::span<const double> P, std::span<const double>, std:
 // Gradient and Hessian of the log-likelihood sum ln d_i (the objective is -2 times it), from the values of
 // the latest objective evaluation. With u1 = t1, u2 = t2: d ln d / du1 = a, d ln d / du2 = -b, and the second
 // derivatives a(1 - 2 F(t1)) - a^2, a b and -b(1 - 2 F(t2)) - b^2, where a = F'(t1)/d, b = F'(t2)/d.
-void ordinalGradHess(TOptObjective, std::span<const double>, std::span<const double>, std::span<TObject* const> o,
-                     TVec& G, TMtx& H) {
+void ordinalGradHess(TOptObjective, std::span<const double>, std::span<const double>,
+                     std::span<TObject* const> o, TVec& G, TMtx& H) {
   OrdinalContext& c = ObjectAs<OrdinalContext>(o[0]);
   const int q = c.q, p = c.p, m = q + p;
   G.Size(m);
@@ -127,8 +127,8 @@ void ordinalGradHess(TOptObjective, std::span<const double>, std::span<const dou
 
 }  // namespace
 
-void LogisticRegress(const TVec& y, const TVec& n, TVec& B, const TMtx* A, double Offset, TVec* YCalc, TVec* BStdErr,
-                     double Tol) {
+void LogisticRegress(const TVec& y, const TVec& n, TVec& B, const TMtx* A, double Offset, TVec* YCalc,
+                     TVec* BStdErr, double Tol) {
   if (y.Complex() || n.Complex()) ERaise("LogisticRegress: (y.Complex) or (n.Complex)");
   if (A != nullptr && A->Rows() != y.Length()) ERaise("LogisticRegress: A.Rows <> y.Length");
   if (n.Length() != y.Length()) ERaise("LogisticRegress: n.Length <> y.Length");
@@ -189,7 +189,8 @@ int LogisticRegress(const TVec& y, const TMtx& A, TVec& B, TVec& Theta, TVec& BS
   if (N == 0) ERaise(msg::EmptyVector);
   const double* ys = y.data();
   for (int i = 0; i < N; ++i)
-    if (!(std::fabs(ys[i]) < INF && ys[i] == std::floor(ys[i]))) ERaise("LogisticRegress: y must hold whole numbers");
+    if (!(std::fabs(ys[i]) < INF && ys[i] == std::floor(ys[i])))
+      ERaise("LogisticRegress: y must hold whole numbers");
   PooledVec s;
   if (p > 0) {
     if (N < 2) ERaise("LogisticRegress: constant column in A");
@@ -206,7 +207,8 @@ int LogisticRegress(const TVec& y, const TMtx& A, TVec& B, TVec& Theta, TVec& BS
   c.N = N;
   c.q = static_cast<int>(codes.size()) - 1;
   c.p = p;
-  if (!InitEstimates && Theta.Length() != c.q) ERaise("LogisticRegress: Theta.Length <> number of cut-points");
+  if (!InitEstimates && Theta.Length() != c.q)
+    ERaise("LogisticRegress: Theta.Length <> number of cut-points");
   if (!InitEstimates && B.Length() != p) ERaise(msg::SizeMismatch);
   c.rank.resize(N);
   for (int i = 0; i < N; ++i)
@@ -237,8 +239,8 @@ int LogisticRegress(const TVec& y, const TMtx& A, TVec& B, TVec& Theta, TVec& BS
 
   PooledMtx covar;
   TObject* objects[1] = {&c};
-  const int result =
-      Marquardt(ordinalObjective, ordinalGradHess, P, {}, objects, FMin, *covar, StopReason, MaxIter, Tol, Tol, 0.1);
+  const int result = Marquardt(ordinalObjective, ordinalGradHess, P, {}, objects, FMin, *covar, StopReason,
+                               MaxIter, Tol, Tol, 0.1);
 
   for (int j = 0; j < c.q; ++j) Theta[j] = P[j];
   for (int j = 0; j < p; ++j) B[j] = P[c.q + j] / (*s)[j];

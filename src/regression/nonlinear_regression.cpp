@@ -29,9 +29,21 @@ struct DeriveHolder final : TObject {
 };
 
 // Positions of the context objects.
-enum : std::size_t { ctxX, ctxY, ctxWeights, ctxModel, ctxDerive, ctxModelValues, ctxResiduals, ctxDeriv, ctxCount };
+enum : std::size_t {
+  ctxX,
+  ctxY,
+  ctxWeights,
+  ctxModel,
+  ctxDerive,
+  ctxModelValues,
+  ctxResiduals,
+  ctxDeriv,
+  ctxCount
+};
 
-const double* weightsOf(Objects o) { return o[ctxWeights] == nullptr ? nullptr : ObjectAs<TVec>(o[ctxWeights]).data(); }
+const double* weightsOf(Objects o) {
+  return o[ctxWeights] == nullptr ? nullptr : ObjectAs<TVec>(o[ctxWeights]).data();
+}
 
 // S(P) = sum w_i (y_i - f(P, x_i))^2; the model values stay in the context for the derivative callbacks.
 double nlinObjective(Pars P, Pars, Objects o) {
@@ -125,13 +137,14 @@ void numericDerive(const Model& f, Pars B, TVec& Grad) {
       fv[k] = f(P);
     }
     p[i] = b;
-    const double d1 = (fv[1] - fv[0]) / (2 * h), d2 = (fv[3] - fv[2]) / (4 * h), d3 = (fv[5] - fv[4]) / (8 * h);
+    const double d1 = (fv[1] - fv[0]) / (2 * h), d2 = (fv[3] - fv[2]) / (4 * h),
+                 d3 = (fv[5] - fv[4]) / (8 * h);
     grad[i] = d1 + 0.4 * (d1 - d2) + ((d1 - d2) - (d2 - d3)) / 45;
   }
 }
 
-int runOptimiser(TOptMethod Method, std::span<double> P, Objects o, TOptStopReason& StopReason, bool OptimizerFlag,
-                 int MaxIter, double Tol, double GradTol) {
+int runOptimiser(TOptMethod Method, std::span<double> P, Objects o, TOptStopReason& StopReason,
+                 bool OptimizerFlag, int MaxIter, double Tol, double GradTol) {
   double fmin = 0;
   const Pars none;
   switch (Method) {
@@ -139,8 +152,8 @@ int runOptimiser(TOptMethod Method, std::span<double> P, Objects o, TOptStopReas
       return Simplex(nlinObjective, P, none, o, fmin, StopReason, MaxIter, Tol);
     case optMarquardt: {
       PooledMtx covar;
-      return Marquardt(nlinObjective, nlinGradHess, P, none, o, fmin, *covar, StopReason, MaxIter, Tol, GradTol,
-                       0.01);
+      return Marquardt(nlinObjective, nlinGradHess, P, none, o, fmin, *covar, StopReason, MaxIter, Tol,
+                       GradTol, 0.01);
     }
     case optBFGS:
     case optDFP: {
@@ -158,7 +171,8 @@ int runOptimiser(TOptMethod Method, std::span<double> P, Objects o, TOptStopReas
 
 }  // namespace
 
-void NumericDerive(const TRegressFunction& RegressFun, double X, double, std::span<const double> B, TVec& Grad) {
+void NumericDerive(const TRegressFunction& RegressFun, double X, double, std::span<const double> B,
+                   TVec& Grad) {
   if (!RegressFun) ERaise(msg::InvalidParameter);
   numericDerive([&](Pars P) { return RegressFun(P, X); }, B, Grad);
 }
@@ -168,11 +182,13 @@ void NumericDerive(TRegressFun RegressFun, double X, double, std::span<const dou
   numericDerive([&](Pars P) { return RegressFun(P, X); }, B, Grad);
 }
 
-int NLinRegress(const TVec& X, const TVec& Y, const TRegressFunction& RegressFun, const TDeriveFunction& DeriveProc,
-                TVec& B, TOptMethod Method, TOptStopReason& StopReason, const TVec* Weights, TVec* YCalc,
-                bool OptimizerFlag, int MaxIter, double Tol, double GradTol) {
+int NLinRegress(const TVec& X, const TVec& Y, const TRegressFunction& RegressFun,
+                const TDeriveFunction& DeriveProc, TVec& B, TOptMethod Method, TOptStopReason& StopReason,
+                const TVec* Weights, TVec* YCalc, bool OptimizerFlag, int MaxIter, double Tol,
+                double GradTol) {
   if (X.Length() != Y.Length()) ERaise("NLinRegress: X.Length <> Y.Length");
-  if (Weights != nullptr && Weights->Length() != Y.Length()) ERaise("NLinRegress: Weights.Length <> Y.Length");
+  if (Weights != nullptr && Weights->Length() != Y.Length())
+    ERaise("NLinRegress: Weights.Length <> Y.Length");
   return core::Guarded("NLinRegress : ", [&] {
     if (!RegressFun) ERaise(msg::InvalidParameter);
     if (X.Complex() || Y.Complex() || B.Complex() || (Weights != nullptr && Weights->Complex()))
@@ -188,8 +204,14 @@ int NLinRegress(const TVec& X, const TVec& Y, const TRegressFunction& RegressFun
     ModelHolder model(RegressFun);
     const TDeriveFunction& chosen = DeriveProc ? DeriveProc : numeric;
     DeriveHolder derive(chosen);
-    TObject* objects[ctxCount] = {const_cast<TVec*>(&X), const_cast<TVec*>(&Y), const_cast<TVec*>(Weights),
-                                  &model, &derive, modelValues.get(), residuals.get(), deriv.get()};
+    TObject* objects[ctxCount] = {const_cast<TVec*>(&X),
+                                  const_cast<TVec*>(&Y),
+                                  const_cast<TVec*>(Weights),
+                                  &model,
+                                  &derive,
+                                  modelValues.get(),
+                                  residuals.get(),
+                                  deriv.get()};
     // the optimiser works on B's own storage, so the point it leaves is in B
     TDoubleArray pars;
     EnlistIt(B, pars);
@@ -201,8 +223,8 @@ int NLinRegress(const TVec& X, const TVec& Y, const TRegressFunction& RegressFun
 }
 
 int NLinRegress(const TVec& X, const TVec& Y, TRegressFun RegressFun, TDeriveProc DeriveProc, TVec& B,
-                TOptMethod Method, TOptStopReason& StopReason, const TVec* Weights, TVec* YCalc, bool OptimizerFlag,
-                int MaxIter, double Tol, double GradTol) {
+                TOptMethod Method, TOptStopReason& StopReason, const TVec* Weights, TVec* YCalc,
+                bool OptimizerFlag, int MaxIter, double Tol, double GradTol) {
   TRegressFunction model;
   if (RegressFun != nullptr) model = RegressFun;
   TDeriveFunction derive;

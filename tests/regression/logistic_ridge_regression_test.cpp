@@ -12,7 +12,8 @@ namespace {
 
 void expectAllRel(const TVec& actual, const TVec& expected, double tol, const char* what) {
   ASSERT_EQ(actual.Length(), expected.Length()) << what;
-  for (int j = 0; j < expected.Length(); ++j) EXPECT_REL(actual[j], expected[j], tol) << what << "[" << j << "]";
+  for (int j = 0; j < expected.Length(); ++j)
+    EXPECT_REL(actual[j], expected[j], tol) << what << "[" << j << "]";
 }
 
 TEST(LogisticRegress, BinomialAndOrdinalFitsMatchGlmAndPolr) {
@@ -61,7 +62,8 @@ TEST(RidgeRegress, MatchesLeastSquaresOnTheAugmentedSystem) {
     const TVec expected = r.Vec("B");
     ASSERT_EQ(B.Length(), expected.Length());
     for (int j = 0; j < B.Length(); ++j)
-      EXPECT_NEAR(B[j], expected[j], 1e-12 * std::max(std::fabs(expected[j]), 1e-3)) << r.Num("k") << " " << j;
+      EXPECT_NEAR(B[j], expected[j], 1e-12 * std::max(std::fabs(expected[j]), 1e-3))
+          << r.Num("k") << " " << j;
   }
 }
 

@@ -23,22 +23,14 @@ struct Dual {
   double v;
   std::array<double, 9> d{};
 };
-// a function of a dual with value v and derivative dv by its argument
-Dual lift(double v, double dv, const Dual& a) {
+// The value v with the derivatives da a' + db b' (the chain rule through one or two arguments).
+Dual lift(double v, double da, const Dual& a, double db = 0, const Dual& b = {}) {
   Dual r{v};
-  for (int j = 0; j < 9; ++j) r.d[j] = dv * a.d[j];
+  for (int j = 0; j < 9; ++j) r.d[j] = da * a.d[j] + db * b.d[j];
   return r;
 }
-Dual operator+(const Dual& a, const Dual& b) {
-  Dual r{a.v + b.v};
-  for (int j = 0; j < 9; ++j) r.d[j] = a.d[j] + b.d[j];
-  return r;
-}
-Dual operator*(const Dual& a, const Dual& b) {
-  Dual r{a.v * b.v};
-  for (int j = 0; j < 9; ++j) r.d[j] = a.d[j] * b.v + a.v * b.d[j];
-  return r;
-}
+Dual operator+(const Dual& a, const Dual& b) { return lift(a.v + b.v, 1, a, 1, b); }
+Dual operator*(const Dual& a, const Dual& b) { return lift(a.v * b.v, b.v, a, a.v, b); }
 Dual operator-(const Dual& a) { return lift(-a.v, -1, a); }
 Dual operator-(const Dual& a, const Dual& b) { return a + -b; }
 Dual operator/(const Dual& a, const Dual& b) { return a * lift(1 / b.v, -1 / (b.v * b.v), b); }
@@ -76,17 +68,24 @@ constexpr auto kirby2 = [](const auto* b, double x) {
   return (b[0] + b[1] * x + b[2] * x * x) / (1 + b[3] * x + b[4] * x * x);
 };
 constexpr auto cubicRatio = [](const auto* b, double x) {
-  return (b[0] + b[1] * x + b[2] * x * x + b[3] * x * x * x) / (1 + b[4] * x + b[5] * x * x + b[6] * x * x * x);
+  return (b[0] + b[1] * x + b[2] * x * x + b[3] * x * x * x) /
+         (1 + b[4] * x + b[5] * x * x + b[6] * x * x * x);
 };
-constexpr auto mgh17 = [](const auto* b, double x) { return b[0] + b[1] * exp(-x * b[3]) + b[2] * exp(-x * b[4]); };
+constexpr auto mgh17 = [](const auto* b, double x) {
+  return b[0] + b[1] * exp(-x * b[3]) + b[2] * exp(-x * b[4]);
+};
 constexpr auto misra1c = [](const auto* b, double x) { return b[0] * (1 - pow(1 + 2 * b[1] * x, -0.5)); };
 constexpr auto misra1d = [](const auto* b, double x) { return b[0] * b[1] * x / (1 + b[1] * x); };
-constexpr auto roszman1 = [](const auto* b, double x) { return b[0] - b[1] * x - atan(b[2] / (x - b[3])) / pi; };
+constexpr auto roszman1 = [](const auto* b, double x) {
+  return b[0] - b[1] * x - atan(b[2] / (x - b[3])) / pi;
+};
 constexpr auto enso = [](const auto* b, double x) {
   return b[0] + b[1] * cos(2 * pi * x / 12) + b[2] * sin(2 * pi * x / 12) + b[4] * cos(2 * pi * x / b[3]) +
          b[5] * sin(2 * pi * x / b[3]) + b[7] * cos(2 * pi * x / b[6]) + b[8] * sin(2 * pi * x / b[6]);
 };
-constexpr auto mgh09 = [](const auto* b, double x) { return b[0] * (x * x + x * b[1]) / (x * x + x * b[2] + b[3]); };
+constexpr auto mgh09 = [](const auto* b, double x) {
+  return b[0] * (x * x + x * b[1]) / (x * x + x * b[2] + b[3]);
+};
 constexpr auto rat42 = [](const auto* b, double x) { return b[0] / (1 + exp(b[1] - b[2] * x)); };
 constexpr auto mgh10 = [](const auto* b, double x) { return b[0] * exp(b[1] / (x + b[2])); };
 constexpr auto eckerle4 = [](const auto* b, double x) {
@@ -96,7 +95,9 @@ constexpr auto rat43 = [](const auto* b, double x) { return b[0] / pow(1 + exp(b
 constexpr auto bennett5 = [](const auto* b, double x) { return b[0] * pow(b[1] + x, -1 / b[2]); };
 
 template <const auto& M>
-double eval(std::span<const double> B, double X) { return M(B.data(), X); }
+double eval(std::span<const double> B, double X) {
+  return M(B.data(), X);
+}
 template <const auto& M>
 void derive(TRegressFun, double X, double, std::span<const double> B, TVec& Grad) {
   Dual b[9];
@@ -105,6 +106,7 @@ void derive(TRegressFun, double X, double, std::span<const double> B, TVec& Grad
   for (std::size_t j = 0; j < B.size(); ++j) Grad[static_cast<int>(j)] = r.d[j];
 }
 
+// clang-format off
 struct NistModel { const char* name; TRegressFun f; TDeriveProc d; bool lowerDifficulty; };
 #define MODEL(name, m, low) {name, eval<m>, derive<m>, low}
 const NistModel kSets[] = {
@@ -117,6 +119,7 @@ const NistModel kSets[] = {
     MODEL("ENSO", enso, false),        MODEL("MGH09", mgh09, false),     MODEL("Thurber", cubicRatio, false),
     MODEL("BoxBOD", misra1a, false),   MODEL("Rat42", rat42, false),     MODEL("MGH10", mgh10, false),
     MODEL("Eckerle4", eckerle4, false), MODEL("Rat43", rat43, false),    MODEL("Bennett5", bennett5, false)};
+// clang-format on
 #undef MODEL
 
 // Fits one set from start 1 or 2 and returns the smallest LRE of its parameters. Nelson's two regressors
@@ -139,7 +142,9 @@ double fitLRE(const NistModel& m, int start, bool numeric, TOptMethod method, in
   if (m.f == nullptr) {  // Nelson: log y = b1 - b2 x1 exp(-b3 x2)
     x1 = set.Column(1), x2 = set.Column(2);
     for (int i = 0; i < X.Length(); ++i) X[i] = i, Y[i] = std::log(Y[i]);
-    f = [&](std::span<const double> b, double i) { return b[0] - b[1] * x1[int(i)] * std::exp(-b[2] * x2[int(i)]); };
+    f = [&](std::span<const double> b, double i) {
+      return b[0] - b[1] * x1[int(i)] * std::exp(-b[2] * x2[int(i)]);
+    };
     d = [&](const TRegressFunction&, double i, double, std::span<const double> b, TVec& g) {
       const int k = int(i);
       g[0] = 1, g[1] = -x1[k] * std::exp(-b[2] * x2[k]), g[2] = -b[1] * x2[k] * g[1];
@@ -153,7 +158,8 @@ double fitLRE(const NistModel& m, int start, bool numeric, TOptMethod method, in
       return f(std::span<const double>(b, p), x);
     };
   TOptStopReason why{};
-  NLinRegress(X, Y, fs, numeric || scaled ? TDeriveFunction() : d, B, method, why, nullptr, nullptr, false, maxIter, tol, 0);
+  NLinRegress(X, Y, fs, numeric || scaled ? TDeriveFunction() : d, B, method, why, nullptr, nullptr, false,
+              maxIter, tol, 0);
   double lre = 99;
   for (int j = 0; j < p; ++j) lre = std::min(lre, test::LRE(B[j] * scale[j], set.estimates[j]));
   return lre;

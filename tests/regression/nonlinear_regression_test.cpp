@@ -42,26 +42,31 @@ TEST(NLinRegress, DerivativeChoiceWeightsYCalcAndOptimiserTable) {
   test::PoolBalance balance;
   TOptStopReason why{};
   // a fit from (4, 0.2); the weight or point 4 zeroed or dropped, the simplex's flag and GradTol changed
-  auto fit = [&](TDeriveProc d, TOptMethod m, int drop = -1, bool weighted = false, bool flag = false, double gtol = 1e-14) {
+  auto fit = [&](TDeriveProc d, TOptMethod m, int drop = -1, bool weighted = false, bool flag = false,
+                 double gtol = 1e-14) {
     std::vector<double> x, y, w;
     for (int i = 0; i < 10; ++i)
       if (i != drop || weighted) x.push_back(kX[i]), y.push_back(kY[i]), w.push_back(i == drop ? 0.0 : 1.0);
     TVec B{4.0, 0.2}, W(w);
-    NLinRegress(TVec(x), TVec(y), growth, d, B, m, why, weighted ? &W : nullptr, nullptr, flag, 2000, 1e-14, gtol);
+    NLinRegress(TVec(x), TVec(y), growth, d, B, m, why, weighted ? &W : nullptr, nullptr, flag, 2000, 1e-14,
+                gtol);
     return std::vector<double>(B.begin(), B.end());
   };
   // nil derivative = NumericDerive passed by name, to the last bit; the exact derivative to rounding; a zero
   // weight = the point removed
   const auto exact = fit(growthDeriv, optMarquardt), nil = fit(nullptr, optMarquardt);
   EXPECT_EQ(nil, fit(NumericDerive, optMarquardt));
-  const auto dropped = fit(growthDeriv, optMarquardt, 4), zeroWeight = fit(growthDeriv, optMarquardt, 4, true);
+  const auto dropped = fit(growthDeriv, optMarquardt, 4),
+             zeroWeight = fit(growthDeriv, optMarquardt, 4, true);
   for (int j = 0; j < 2; ++j) {
     EXPECT_REL(nil[j], exact[j], 1e-9);
     EXPECT_REL(zeroWeight[j], dropped[j], 1e-10);
     EXPECT_GT(std::fabs(dropped[j] - exact[j]), 1e-6 * std::fabs(exact[j]));  // the point matters
   }
   // the simplex never asks for derivatives, nor reads GradTol or the line-search flag
-  auto failing = [](TRegressFun, double, double, std::span<const double>, TVec&) { ERaise("derivative called"); };
+  auto failing = [](TRegressFun, double, double, std::span<const double>, TVec&) {
+    ERaise("derivative called");
+  };
   EXPECT_EQ(fit(+failing, optSimplex), fit(+failing, optSimplex, -1, false, true, 0.5));
   // YCalc holds the model at the parameters of the last objective evaluation (recorded by the model)
   std::vector<double> last;
@@ -75,7 +80,8 @@ TEST(NLinRegress, DerivativeChoiceWeightsYCalcAndOptimiserTable) {
   for (int i = 0; i < 10; ++i) EXPECT_EQ(yc[i], growth(last, kX[i]));
   // a method beyond the table: result 0, B untouched
   TVec b{4.0, 0.2};
-  EXPECT_EQ(NLinRegress(kX, kY, growth, nullptr, b, TOptMethod(6), why, nullptr, nullptr, false, 10, 0, 0), 0);
+  EXPECT_EQ(NLinRegress(kX, kY, growth, nullptr, b, TOptMethod(6), why, nullptr, nullptr, false, 10, 0, 0),
+            0);
   EXPECT_TRUE(b[0] == 4.0 && b[1] == 0.2);
 }
 
