@@ -1,8 +1,7 @@
 #!/usr/bin/python3
-"""Reference ridge coefficients: numpy's SVD least squares (numpy.linalg.lstsq) on the augmented system
-[Z; sqrt(k) I] B = [y; 0], Z the predictors centred and divided by their sample standard deviations (a
-column whose deviation is below 1.4901161194e-8 only centred), cross-checked against the closed form
-(Z'Z + k I)^-1 Z'y. Writes ridge_regression.txt."""
+"""Reference ridge coefficients: numpy.linalg.lstsq (SVD) on the augmented system [Z; sqrt(k) I] B = [y; 0], Z the
+predictors centred and divided by their sample standard deviations (below 1.4901161194e-8: only centred), checked
+against the closed form (Z'Z + k I)^-1 Z'y. Writes ridge_regression.txt."""
 import numpy as np
 
 from fixture_writer import Fixture
@@ -15,11 +14,9 @@ out = Fixture("ridge_regression.txt", "ridge coefficients by numpy.linalg.lstsq 
 def case(A, y, k, note):
     sd = A.std(axis=0, ddof=1)
     sd[np.abs(sd) < 1.4901161194e-8] = 1.0
-    Z = (A - A.mean(axis=0)) / sd
-    p = A.shape[1]
+    Z, p = (A - A.mean(axis=0)) / sd, A.shape[1]
     B = np.linalg.lstsq(np.vstack([Z, np.sqrt(k) * np.eye(p)]), np.concatenate([y, np.zeros(p)]), rcond=None)[0]
-    closed = np.linalg.solve(Z.T @ Z + k * np.eye(p), Z.T @ y)
-    assert np.allclose(B, closed, rtol=1e-11, atol=1e-13)
+    assert np.allclose(B, np.linalg.solve(Z.T @ Z + k * np.eye(p), Z.T @ y), rtol=1e-11, atol=1e-13)
     out.record(note, y=y, A=f"{A.shape[0]} {p} " + " ".join(repr(float(v)) for v in A.ravel()), k=k, B=B)
 
 

@@ -23,14 +23,15 @@ TEST(LogisticRegress, BinomialAndOrdinalFitsMatchGlmAndPolr) {
     TVec B, se, mu;
     if (r.Str("kind") == "binomial") {
       const TMtx A = r.Has("A") ? r.Mtx("A") : TMtx();
-      LogisticRegress(y, r.Vec("n"), B, r.Has("A") ? &A : nullptr, r.Num("offset"), &mu, &se, 1e-14);
+      const TMtx* design = r.Has("A") ? &A : nullptr;  // none: the intercept alone
+      LogisticRegress(y, r.Vec("n"), B, design, r.Num("offset"), &mu, &se, 1e-14);
       // glm stops at a relative deviance change of 1e-14: both fits agree to about its square root
       expectAllRel(B, r.Vec("B"), 1e-8, "B");
       expectAllRel(se, r.Vec("se"), 1e-8, "se");
       expectAllRel(mu, r.Vec("mu"), 1e-8, "mu");
       // no pass (Tol >= 1): nothing is written
       TVec b0{7.0}, mu0{7.0}, se0{7.0};
-      LogisticRegress(y, r.Vec("n"), b0, r.Has("A") ? &A : nullptr, r.Num("offset"), &mu0, &se0, 1.0);
+      LogisticRegress(y, r.Vec("n"), b0, design, r.Num("offset"), &mu0, &se0, 1.0);
       EXPECT_TRUE(b0[0] == 7.0 && mu0[0] == 7.0 && se0[0] == 7.0 && b0.Length() == 1);
       continue;
     }
@@ -39,7 +40,7 @@ TEST(LogisticRegress, BinomialAndOrdinalFitsMatchGlmAndPolr) {
     for (bool init : {true, false}) {
       TVec theta = r.Vec("theta");
       B = r.Vec("B");
-      for (int j = 0; j < B.Length(); ++j) B[j] *= 1.3;
+      B.Scale(1.3);
       double fmin = 0;
       TOptStopReason why{};
       LogisticRegress(y, r.Mtx("A"), B, theta, se, fmin, why, 500, 1e-14, init);
@@ -62,8 +63,7 @@ TEST(RidgeRegress, MatchesLeastSquaresOnTheAugmentedSystem) {
     const TVec expected = r.Vec("B");
     ASSERT_EQ(B.Length(), expected.Length());
     for (int j = 0; j < B.Length(); ++j)
-      EXPECT_NEAR(B[j], expected[j], 1e-12 * std::max(std::fabs(expected[j]), 1e-3))
-          << r.Num("k") << " " << j;
+      EXPECT_NEAR(B[j], expected[j], 1e-12 * std::max(std::fabs(expected[j]), 1e-3));
   }
 }
 

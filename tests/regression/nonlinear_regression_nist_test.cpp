@@ -53,46 +53,33 @@ using std::atan, std::cos, std::exp, std::log, std::pow, std::sin;
 
 // The models as NIST writes them, for doubles and duals alike.
 constexpr double pi = std::numbers::pi;
-constexpr auto misra1a = [](const auto* b, double x) { return b[0] * (1 - exp(-b[1] * x)); };
-constexpr auto chwirut = [](const auto* b, double x) { return exp(-b[0] * x) / (b[1] + b[2] * x); };
-constexpr auto lanczos = [](const auto* b, double x) {
-  return b[0] * exp(-b[1] * x) + b[2] * exp(-b[3] * x) + b[4] * exp(-b[5] * x);
-};
-constexpr auto gauss = [](const auto* b, double x) {
-  return b[0] * exp(-b[1] * x) + b[2] * exp(-(x - b[3]) * (x - b[3]) / (b[4] * b[4])) +
-         b[5] * exp(-(x - b[6]) * (x - b[6]) / (b[7] * b[7]));
-};
-constexpr auto danwood = [](const auto* b, double x) { return b[0] * pow(x, b[1]); };
-constexpr auto misra1b = [](const auto* b, double x) { return b[0] * (1 - pow(1 + b[1] * x / 2, -2.0)); };
-constexpr auto kirby2 = [](const auto* b, double x) {
-  return (b[0] + b[1] * x + b[2] * x * x) / (1 + b[3] * x + b[4] * x * x);
-};
-constexpr auto cubicRatio = [](const auto* b, double x) {
-  return (b[0] + b[1] * x + b[2] * x * x + b[3] * x * x * x) /
-         (1 + b[4] * x + b[5] * x * x + b[6] * x * x * x);
-};
-constexpr auto mgh17 = [](const auto* b, double x) {
-  return b[0] + b[1] * exp(-x * b[3]) + b[2] * exp(-x * b[4]);
-};
-constexpr auto misra1c = [](const auto* b, double x) { return b[0] * (1 - pow(1 + 2 * b[1] * x, -0.5)); };
-constexpr auto misra1d = [](const auto* b, double x) { return b[0] * b[1] * x / (1 + b[1] * x); };
-constexpr auto roszman1 = [](const auto* b, double x) {
-  return b[0] - b[1] * x - atan(b[2] / (x - b[3])) / pi;
-};
-constexpr auto enso = [](const auto* b, double x) {
-  return b[0] + b[1] * cos(2 * pi * x / 12) + b[2] * sin(2 * pi * x / 12) + b[4] * cos(2 * pi * x / b[3]) +
-         b[5] * sin(2 * pi * x / b[3]) + b[7] * cos(2 * pi * x / b[6]) + b[8] * sin(2 * pi * x / b[6]);
-};
-constexpr auto mgh09 = [](const auto* b, double x) {
-  return b[0] * (x * x + x * b[1]) / (x * x + x * b[2] + b[3]);
-};
-constexpr auto rat42 = [](const auto* b, double x) { return b[0] / (1 + exp(b[1] - b[2] * x)); };
-constexpr auto mgh10 = [](const auto* b, double x) { return b[0] * exp(b[1] / (x + b[2])); };
-constexpr auto eckerle4 = [](const auto* b, double x) {
-  return (b[0] / b[1]) * exp(-0.5 * ((x - b[2]) / b[1]) * ((x - b[2]) / b[1]));
-};
-constexpr auto rat43 = [](const auto* b, double x) { return b[0] / pow(1 + exp(b[1] - b[2] * x), 1 / b[3]); };
-constexpr auto bennett5 = [](const auto* b, double x) { return b[0] * pow(b[1] + x, -1 / b[2]); };
+// clang-format off
+#define NIST_MODEL(name, f) constexpr auto name = [](const auto* b, double x) { return f; };
+NIST_MODEL(misra1a, b[0] * (1 - exp(-b[1] * x)))
+NIST_MODEL(chwirut, exp(-b[0] * x) / (b[1] + b[2] * x))
+NIST_MODEL(lanczos, b[0] * exp(-b[1] * x) + b[2] * exp(-b[3] * x) + b[4] * exp(-b[5] * x))
+NIST_MODEL(gauss, b[0] * exp(-b[1] * x) + b[2] * exp(-(x - b[3]) * (x - b[3]) / (b[4] * b[4])) +
+                  b[5] * exp(-(x - b[6]) * (x - b[6]) / (b[7] * b[7])))
+NIST_MODEL(danwood, b[0] * pow(x, b[1]))
+NIST_MODEL(misra1b, b[0] * (1 - pow(1 + b[1] * x / 2, -2.0)))
+NIST_MODEL(kirby2, (b[0] + b[1] * x + b[2] * x * x) / (1 + b[3] * x + b[4] * x * x))
+NIST_MODEL(cubicRatio, (b[0] + b[1] * x + b[2] * x * x + b[3] * x * x * x) /
+                       (1 + b[4] * x + b[5] * x * x + b[6] * x * x * x))
+NIST_MODEL(mgh17, b[0] + b[1] * exp(-x * b[3]) + b[2] * exp(-x * b[4]))
+NIST_MODEL(misra1c, b[0] * (1 - pow(1 + 2 * b[1] * x, -0.5)))
+NIST_MODEL(misra1d, b[0] * b[1] * x / (1 + b[1] * x))
+NIST_MODEL(roszman1, b[0] - b[1] * x - atan(b[2] / (x - b[3])) / pi)
+NIST_MODEL(enso, b[0] + b[1] * cos(2 * pi * x / 12) + b[2] * sin(2 * pi * x / 12) +
+                 b[4] * cos(2 * pi * x / b[3]) + b[5] * sin(2 * pi * x / b[3]) +
+                 b[7] * cos(2 * pi * x / b[6]) + b[8] * sin(2 * pi * x / b[6]))
+NIST_MODEL(mgh09, b[0] * (x * x + x * b[1]) / (x * x + x * b[2] + b[3]))
+NIST_MODEL(rat42, b[0] / (1 + exp(b[1] - b[2] * x)))
+NIST_MODEL(mgh10, b[0] * exp(b[1] / (x + b[2])))
+NIST_MODEL(eckerle4, (b[0] / b[1]) * exp(-0.5 * ((x - b[2]) / b[1]) * ((x - b[2]) / b[1])))
+NIST_MODEL(rat43, b[0] / pow(1 + exp(b[1] - b[2] * x), 1 / b[3]))
+NIST_MODEL(bennett5, b[0] * pow(b[1] + x, -1 / b[2]))
+#undef NIST_MODEL
+// clang-format on
 
 template <const auto& M>
 double eval(std::span<const double> B, double X) {
