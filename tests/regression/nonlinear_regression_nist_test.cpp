@@ -122,24 +122,20 @@ double fitLRE(const NistModel& m, int start, bool numeric, TOptMethod method, in
   for (int j = 0; j < p; ++j) B[j] = set.Values(set.params[j])[start - 1] / scale[j];
   TVec X = set.Column(1), Y = set.Column(0);
   TRegressFunction f = m.f;
-  TDeriveFunction d = [&](const TRegressFunction&, double x, double y, std::span<const double> b, TVec& g) {
-    m.d(m.f, x, y, b, g);
-  };
+  TDeriveFunction d = [&](auto&, double x, double y, auto b, TVec& g) { m.d(m.f, x, y, b, g); };
   TVec x1, x2;
   if (m.f == nullptr) {  // Nelson: log y = b1 - b2 x1 exp(-b3 x2)
     x1 = set.Column(1), x2 = set.Column(2);
     for (int i = 0; i < X.Length(); ++i) X[i] = i, Y[i] = std::log(Y[i]);
-    f = [&](std::span<const double> b, double i) {
-      return b[0] - b[1] * x1[int(i)] * std::exp(-b[2] * x2[int(i)]);
-    };
-    d = [&](const TRegressFunction&, double i, double, std::span<const double> b, TVec& g) {
+    f = [&](auto b, double i) { return b[0] - b[1] * x1[int(i)] * std::exp(-b[2] * x2[int(i)]); };
+    d = [&](auto&, double i, double, auto b, TVec& g) {
       const int k = int(i);
       g[0] = 1, g[1] = -x1[k] * std::exp(-b[2] * x2[k]), g[2] = -b[1] * x2[k] * g[1];
     };
   }
   TRegressFunction fs = f;  // on the scaled parameters, differentiated numerically
   if (scaled)
-    fs = [&](std::span<const double> q, double x) {
+    fs = [&](auto q, double x) {
       double b[9];
       for (int j = 0; j < p; ++j) b[j] = q[j] * scale[j];
       return f(std::span<const double>(b, p), x);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "statkit/Regress.h"
@@ -25,16 +26,14 @@ double quintic(std::span<const double> b, double x) { return std::pow(b[0], 5) *
 const TVec kX{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, kY{0.9, 1.8, 2.4, 3.1, 3.5, 4.1, 4.4, 4.8, 5.1, 5.3};
 
 TEST(NumericDerive, RichardsonExtrapolationIsExactForQuinticsAndUsesAnAbsoluteStepAtZero) {
-  const struct {
-    double b0, b1, x;
-  } cases[] = {{3.0, 0.0, 2.0}, {-0.7, 0.0, 1.5}, {0.5, 0.0, 4.0}, {2.0, 0.0, -3.0}};
-  for (const auto& c : cases) {
-    const double b[2] = {c.b0, c.b1};
+  const std::pair<double, double> cases[] = {{3.0, 2.0}, {-0.7, 1.5}, {0.5, 4.0}, {2.0, -3.0}};  // b0, x
+  for (const auto& [b0, x] : cases) {
+    const double b[2] = {b0, 0.0};
     TVec g(2);
-    NumericDerive(quintic, c.x, 0.0, b, g);
+    NumericDerive(quintic, x, 0.0, b, g);
     // rounding of the differences: about eps |f| / h with h = 1e-4 |b0|, a few 1e-11 relative
-    EXPECT_REL(g[0], 5 * std::pow(c.b0, 4) * c.x, 1e-10) << c.b0;
-    EXPECT_REL(g[1], std::pow(c.b0, 5) * c.x * c.x, 1e-10) << "absolute step at b1 = 0";
+    EXPECT_REL(g[0], 5 * std::pow(b0, 4) * x, 1e-10) << b0;
+    EXPECT_REL(g[1], std::pow(b0, 5) * x * x, 1e-10) << "absolute step at b1 = 0";
   }
 }
 
