@@ -16,8 +16,10 @@ namespace {
 // b0 (1 - e^(-b1 x)) on noisy data (Misra1a's shape); its exact derivative.
 double growth(std::span<const double> b, double x) { return b[0] * (1 - std::exp(-b[1] * x)); }
 void growthDeriv(TRegressFun, double x, double, std::span<const double> b, TVec& g) {
-  g[0] = 1 - std::exp(-b[1] * x);
-  g[1] = b[0] * x * std::exp(-b[1] * x);
+  g[0] = 1 - std::exp(-b[1] * x), g[1] = b[0] * x * std::exp(-b[1] * x);
+}
+void failingDeriv(TRegressFun, double, double, std::span<const double>, TVec&) {
+  ERaise("derivative called");
 }
 // Degree 5 in b0 (the extrapolation is exact up to rounding); differentiated by b1 at b1 = 0 only with an
 // absolute step (a relative one would be 0).
@@ -63,15 +65,11 @@ TEST(NLinRegress, DerivativeChoiceWeightsYCalcAndOptimiserTable) {
     EXPECT_GT(std::fabs(dropped[j] - exact[j]), 1e-6 * std::fabs(exact[j]));  // the point matters
   }
   // the simplex never asks for derivatives, nor reads GradTol or the line-search flag
-  auto failing = [](TRegressFun, double, double, std::span<const double>, TVec&) {
-    ERaise("derivative called");
-  };
-  EXPECT_EQ(fit(+failing, optSimplex), fit(+failing, optSimplex, -1, false, true, 0.5));
+  EXPECT_EQ(fit(failingDeriv, optSimplex), fit(failingDeriv, optSimplex, -1, false, true, 0.5));
   // YCalc holds the model at the parameters of the last objective evaluation (recorded by the model)
   std::vector<double> last;
-  TRegressFunction recording = [&](std::span<const double> b, double x) {
-    last.assign(b.begin(), b.end());
-    return growth(b, x);
+  TRegressFunction recording = [&](auto b, double x) {
+    return last.assign(b.begin(), b.end()), growth(b, x);
   };
   TVec B{4.0, 0.2}, yc;
   NLinRegress(kX, kY, recording, TDeriveFunction(), B, optSimplex, why, nullptr, &yc, false, 500, 1e-10, 0);
@@ -79,9 +77,9 @@ TEST(NLinRegress, DerivativeChoiceWeightsYCalcAndOptimiserTable) {
   for (int i = 0; i < 10; ++i) EXPECT_EQ(yc[i], growth(last, kX[i]));
   // a method beyond the table: result 0, B untouched
   TVec b{4.0, 0.2};
-  EXPECT_EQ(NLinRegress(kX, kY, growth, nullptr, b, TOptMethod(6), why, nullptr, nullptr, false, 10, 0, 0),
-            0);
-  EXPECT_TRUE(b[0] == 4.0 && b[1] == 0.2);
+  const int result =
+      NLinRegress(kX, kY, growth, nullptr, b, TOptMethod(6), why, nullptr, nullptr, 0, 10, 0, 0);
+  EXPECT_TRUE(result == 0 && b[0] == 4.0 && b[1] == 0.2);
 }
 
 }  // namespace
