@@ -26,11 +26,11 @@ for (case in list(list(150, 2, c(1, 2, 3, 5)), list(400, 4, c(-2, -1, 0, 1, 2)))
   N <- case[[1]]; p <- case[[2]]; codes <- case[[3]]
   A <- matrix(rnorm(N * p, 2, 3), N)
   latent <- A %*% seq(0.6, -0.3, length.out = p) + rlogis(N)
-  y <- codes[cut(latent, c(-Inf, quantile(latent, seq(0, 1, length.out = length(codes) + 1))[2:length(codes)], Inf),
-                 labels = FALSE)]
+  cuts <- quantile(latent, seq(0, 1, length.out = length(codes) + 1)[2:length(codes)])
+  y <- codes[findInterval(latent, cuts) + 1]
   fit <- polr(factor(y) ~ A, Hess = TRUE, control = list(reltol = 1e-15, maxit = 1000))
   se <- sqrt(diag(vcov(fit)))  # coefficients first, then the cut-points
   cat("kind ordinal\n", file = out); put("y", y); putM("A", A); put("theta", fit$zeta); put("B", coef(fit))
-  put("se", c(se[(p + 1):length(se)], se[1:p])); put("deviance", fit$deviance); cat("---\n", file = out)
+  put("se", c(se[-(1:p)], se[1:p])); put("deviance", fit$deviance); cat("---\n", file = out)
 }
 close(out)

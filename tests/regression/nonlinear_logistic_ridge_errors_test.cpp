@@ -20,7 +20,7 @@ TEST(RegressionFitErrors, EachBadCallRaisesItsMessage) {
   const TMtx A{{1, 0}, {1, 1}, {1, 2}, {1, 3}}, A3{{1}, {2}, {3}}, constCol{{1, 2}, {1, 3}, {1, 1}, {1, 5}};
   const TVec cats{1, 2, 2, 3}, halfCat{1, 2.5, 2, 3};
   TVec B{0.5, 0.5}, Bs{1.0, 2.0}, out, theta, se, grad(1), grad2(2), cx, empty;
-  cx.Size(4, true);
+  cx.Size(4, true);  // complex
   TOptStopReason why{};
   double fmin = 0;
   auto nlin = [&](const TVec& X, const TVec& Y, const TVec* W, TRegressFun f, TVec& b) {

@@ -109,10 +109,9 @@ const NistModel kSets[] = {
 // clang-format on
 #undef MODEL
 
-// Fits one set from start 1 or 2 and returns the smallest LRE of its parameters. Nelson's two regressors
-// reach its capturing model through the observation index as X; the gradient methods work on the
-// parameters divided by their start values (unscaled, BFGS and DFP stall on Misra1a and Misra1b, whose
-// parameters differ by six orders of magnitude).
+// The smallest LRE of a set's parameters fitted from start 1 or 2. Nelson's capturing model takes the
+// observation index as X; the gradient methods fit the parameters divided by their start values (unscaled,
+// BFGS and DFP stall on Misra1a and Misra1b, whose parameters differ by six orders of magnitude).
 double fitLRE(const NistModel& m, int start, bool numeric, TOptMethod method, int maxIter, double tol) {
   const test::StrdSet set = test::ReadStrd("nls/" + std::string(m.name));
   const int p = static_cast<int>(set.params.size());
@@ -148,10 +147,9 @@ double fitLRE(const NistModel& m, int start, bool numeric, TOptMethod method, in
   return lre;
 }
 
-// One row per set: Marquardt from start 1 and 2 (exact, numeric derivatives), then from start 2 the other
-// optimisers on the lower-difficulty sets. Lanczos3 (scaled Gauss-Newton condition 6.6e8) is exempt for the
-// gradient methods: the conjugate gradients end far off, and BFGS and DFP stop (osSmallStep) when a
-// steepest-descent Wolfe search fails, a limit of their line search.
+// One row per set: Marquardt from start 1 and 2 (exact, numeric derivatives), then the other optimisers from
+// start 2 on the lower-difficulty sets. Lanczos3 (scaled Gauss-Newton condition 6.6e8) is exempt for the
+// gradient methods: conjugate gradients end far off, BFGS and DFP stop when a steepest-descent search fails.
 TEST(NLinRegressNist, CertifiedValuesByEveryOptimiser) {
   if (test::StrdDir().empty()) GTEST_SKIP() << "NIST StRD folder not present";
   int passedFromStart1[2] = {};
