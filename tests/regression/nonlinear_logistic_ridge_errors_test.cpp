@@ -22,12 +22,12 @@ TEST(RegressionFitErrors, EachBadCallRaisesItsMessage) {
   TVec B{0.5, 0.5}, Bs{1.0, 2.0}, out, theta, se, grad(1), grad2(2), cx, empty;
   cx.Size(4, true);  // complex
   TOptStopReason why{};
-  double f = 0;
+  double fmin = 0;
   auto nlin = [&](const TVec& X, const TVec& Y, const TVec* W, TRegressFun f, TVec& b) {
     return NLinRegress(X, Y, f, nullptr, b, optMarquardt, why, W, nullptr, false, 50, 1e-10, 1e-10);
   };
   auto ordinal = [&](const TVec& c, const TMtx& a, bool i) {
-    LogisticRegress(c, a, Bs, theta, se, f, why, 9, 0, i);
+    LogisticRegress(c, a, Bs, theta, se, fmin, why, 9, 0, i);
   };
   auto binomial = [&](const TVec& k, const TVec& t, const TMtx* a) {
     LogisticRegress(k, t, out, a, 0, {}, {}, 0);
