@@ -104,7 +104,7 @@ STATKIT_API int LogisticRegress(const TVec& y, const TMtx& A, TVec& B, TVec& The
                                 bool InitEstimates);
 
 /// \brief Ridge regression of \p y on the standardised columns of \p A: B minimises
-/// |y - Z B|^2 + k |B|^2 (no intercept; a column without spread is only centred).
+/// |y - Z B|^2 + k |B|^2 (no intercept; a column without spread is only centred; k < 0 or NaN raises).
 STATKIT_API void RidgeRegress(const TVec& y, const TMtx& A, double k, TVec& B);
 
 }  // namespace statkit::Regress
