@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <numbers>
 #include <string>
+#include <vector>
 
 #include "statkit/Regress.h"
 #include "support/fixture.h"
@@ -132,24 +133,41 @@ double fitLRE(const NistModel& m, int start, bool numeric, TOptMethod method, in
       g[0] = 1, g[1] = -x1[k] * std::exp(-b[2] * x2[k]), g[2] = -b[1] * x2[k] * g[1];
     };
   }
-  TRegressFunction fs = f;  // on the scaled parameters, differentiated numerically
-  if (scaled)
-    fs = [&](auto q, double x) {
-      double b[9];
-      for (int j = 0; j < p; ++j) b[j] = q[j] * scale[j];
-      return f(std::span<const double>(b, p), x);
-    };
+  // On the scaled parameters q = b / scale: the model at b, its derivative by the chain rule.
+  const auto unscaled = [&](auto q, double* b) {
+    for (int j = 0; j < p; ++j) b[j] = q[j] * scale[j];
+    return std::span<const double>(b, p);
+  };
+  const TRegressFunction fs = [&](auto q, double x) {
+    double b[9];
+    return f(unscaled(q, b), x);
+  };
+  const TDeriveFunction ds = [&](auto&, double x, double y, auto q, TVec& g) {
+    double b[9];
+    d(f, x, y, unscaled(q, b), g);
+    for (int j = 0; j < p; ++j) g[j] *= scale[j];
+  };
   TOptStopReason why{};
-  NLinRegress(X, Y, fs, numeric || scaled ? TDeriveFunction() : d, B, method, why, nullptr, nullptr, false,
-              maxIter, tol, 0);
+  NLinRegress(X, Y, fs, numeric ? TDeriveFunction() : ds, B, method, why, nullptr, nullptr, false, maxIter, tol,
+              0);
+  std::vector<double> b(p);
+  for (int j = 0; j < p; ++j) b[j] = B[j] * scale[j];
+  if (std::string(m.name).starts_with("Lanczos")) {
+    // A sum of exponentials is the same model with its terms in any order: compare the terms by rate,
+    // as the certified values list them.
+    std::vector<std::array<double, 2>> terms;  // (rate, amplitude)
+    for (int k = 0; k + 1 < p; k += 2) terms.push_back({b[k + 1], b[k]});
+    std::sort(terms.begin(), terms.end());
+    for (std::size_t k = 0; k < terms.size(); ++k) b[2 * k] = terms[k][1], b[2 * k + 1] = terms[k][0];
+  }
   double lre = 99;
-  for (int j = 0; j < p; ++j) lre = std::min(lre, test::LRE(B[j] * scale[j], set.estimates[j]));
+  for (int j = 0; j < p; ++j) lre = std::min(lre, test::LRE(b[j], set.estimates[j]));
   return lre;
 }
 
 // One row per set: Marquardt from start 1 and 2 (exact, numeric derivatives), then the other optimisers from
 // start 2 on the lower-difficulty sets. Lanczos3 (scaled Gauss-Newton condition 6.6e8) is exempt for the
-// gradient methods: conjugate gradients end far off, BFGS and DFP stop when a steepest-descent search fails.
+// conjugate gradients, which end far off within 5000 iterations.
 TEST(NLinRegressNist, CertifiedValuesByEveryOptimiser) {
   if (test::StrdDir().empty()) GTEST_SKIP() << "NIST StRD folder not present";
   int passedFromStart1[2] = {};
@@ -166,9 +184,9 @@ TEST(NLinRegressNist, CertifiedValuesByEveryOptimiser) {
     for (TOptMethod method : {optSimplex, optBFGS, optDFP, optConjGradFR, optConjGradPR}) {
       if (!m.lowerDifficulty) break;
       const bool simplex = method == optSimplex;
-      const double lre = fitLRE(m, 2, false, method, simplex ? 20000 : 500, simplex ? 1e-13 : 1e-15);
+      const double lre = fitLRE(m, 2, false, method, simplex ? 20000 : 5000, simplex ? 1e-13 : 1e-15);
       std::printf(" %5.1f", lre);
-      const bool exempt = std::string(m.name) == "Lanczos3" && !simplex;
+      const bool exempt = std::string(m.name) == "Lanczos3" && (method == optConjGradFR || method == optConjGradPR);
       EXPECT_TRUE(exempt || lre >= 4) << m.name << " " << TOptMethodNames[method] << " " << lre;
     }
     std::printf("\n");
