@@ -95,8 +95,10 @@ bool Chart::Write(const std::string& path) const {
           << "\" r=\"3\" fill=\"" << it.colour << "\"/>\n";
       continue;
     }
-    s << "<polyline class=\"" << (it.kind == Item::line ? "line" : "trace") << "\" data-y=\""
-      << number(it.y.front()) << "\" fill=\"none\" stroke=\"" << it.colour << "\""
+    char dataY[32];  // the value drawn, to the last digit, for a reader that checks the chart
+    std::snprintf(dataY, sizeof dataY, "%.17g", it.y.front());
+    s << "<polyline class=\"" << (it.kind == Item::line ? "line" : "trace") << "\" data-y=\"" << dataY
+      << "\" fill=\"none\" stroke=\"" << it.colour << "\""
       << (it.dashed ? " stroke-dasharray=\"6 4\"" : "") << " points=\"";
     for (std::size_t i = 0; i < it.x.size(); ++i) s << px(it.x[i]) << "," << py(it.y[i]) << " ";
     s << "\"/>\n";
