@@ -8,3 +8,4 @@
 #include "statkit/StatTimeSerAnalysis.h"
 #include "statkit/StatProbPlots.h"
 #include "statkit/StatControlCharts.h"
+#include "statkit/Summaries.h"

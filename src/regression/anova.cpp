@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/frame.h"
+#include "regression/fit_tables.h"
 #include "statkit/Regress.h"
 
 namespace statkit::Regress {
@@ -96,14 +97,7 @@ template <class T>
 TANOVA1Table oneWay(const TDenseKalpa& Data, int N, const std::vector<int>& group,
                     const std::vector<int>& count, double& Signif, double Alpha) {
   const OneWaySums s = oneWaySums<T>(Data, N, group, count);
-  const int dfB = static_cast<int>(count.size()) - 1, dfW = N - dfB - 1;
-  TANOVA1Table t{};
-  t[0] = s.between, t[1] = s.within, t[2] = s.total;
-  t[3] = dfB, t[4] = dfW, t[5] = double(dfB) + dfW;
-  t[6] = s.between / dfB, t[7] = s.within / dfW;
-  effectTest(s.between, dfB, s.within, dfW, true, t[8], Signif);
-  t[9] = FCDFInv(1.0 - Alpha, dfB, dfW);
-  return t;
+  return detail::OneWayTable(s.between, s.within, s.total, N, static_cast<int>(count.size()), Signif, Alpha);
 }
 
 TANOVA1Table dispatchOneWay(const TDenseKalpa& Data, int N, const std::vector<int>& group,
@@ -113,6 +107,18 @@ TANOVA1Table dispatchOneWay(const TDenseKalpa& Data, int N, const std::vector<in
 }
 
 }  // namespace
+
+TANOVA1Table detail::OneWayTable(double between, double within, double total, int N, int k, double& Signif,
+                                 double Alpha) {
+  const int dfB = k - 1, dfW = N - k;
+  TANOVA1Table t{};
+  t[0] = between, t[1] = within, t[2] = total;
+  t[3] = dfB, t[4] = dfW, t[5] = double(dfB) + dfW;
+  t[6] = between / dfB, t[7] = within / dfW;
+  effectTest(between, dfB, within, dfW, true, t[8], Signif);
+  t[9] = FCDFInv(1.0 - Alpha, dfB, dfW);
+  return t;
+}
 
 TANOVA1Table ANOVA1(const TMtx& Data, double& Signif, double Alpha) {
   return core::Guarded("ANOVA1 : ", [&] {

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "core/frame.h"
+#include "regression/fit_tables.h"
 #include "statkit/Regress.h"
 
 namespace statkit::Regress {
@@ -130,11 +131,9 @@ void RegressTest(const TVec& Y, const TVec& YCalc, TMtx& V, TRegStats& RegStats,
                  const TVec* Weights) {
   if (Y.Length() != YCalc.Length()) ERaise("RegressTest: Y.Length <> YCalc.Length");
   if (Weights && Weights->Length() != Y.Length()) ERaise("RegressTest: Weights.Length <> Y.Length");
-  const int n = Y.Length(), p = V.Cols(), dfE = n - p;
-  TRegStats& s = RegStats;
-  if (dfE <= 0) {
-    s = {0.0, 1.0, 0.0, 0.0, 1.0};
-  } else {
+  const int n = Y.Length(), p = V.Cols();
+  double SST = 0.0, SSE = 0.0;
+  if (n - p > 0) {
     const double *y = Y.data(), *f = YCalc.data(), *w = Weights ? Weights->data() : nullptr;
     // The mean refined by the deviations' sum, then centred sums in long double.
     double ym = 0.0;
@@ -152,7 +151,19 @@ void RegressTest(const TVec& Y, const TVec& YCalc, TMtx& V, TRegStats& RegStats,
       const long double wi = w ? w[i] : 1.0, d = y[i] - ym, e = static_cast<long double>(y[i]) - f[i];
       sst += wi * d * d, sse += wi * e * e;
     }
-    const double SST = static_cast<double>(sst), SSE = static_cast<double>(sse), SSR = SST - SSE;
+    SST = static_cast<double>(sst), SSE = static_cast<double>(sse);
+  }
+  detail::RegressionStats(n, p, SST, SSE, Constant, V, RegStats);
+}
+
+namespace detail {
+
+void RegressionStats(int n, int p, double SST, double SSE, bool Constant, TMtx& V, TRegStats& s) {
+  const int dfE = n - p;
+  if (dfE <= 0) {
+    s = {0.0, 1.0, 0.0, 0.0, 1.0};
+  } else {
+    const double SSR = SST - SSE;
     s.ResidualVar = SSE / dfE;
     s.R2 = SSR / SST;
     s.AdjustedR2 = 1.0 - (1.0 - s.R2) * (n - 1.0) / dfE;
@@ -167,6 +178,8 @@ void RegressTest(const TVec& Y, const TVec& YCalc, TMtx& V, TRegStats& RegStats,
   }
   V.Mul(s.ResidualVar);
 }
+
+}  // namespace detail
 
 void RegressTest(const TVec& Y, const TVec& YCalc, TMtx& V, TRegStats& RegStats, TVec& Residuals,
                  TVec& BStdErr, bool Constant, const TVec* Weights) {
