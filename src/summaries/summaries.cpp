@@ -73,6 +73,31 @@ void stackAndFactor(TMtx& R, const TMtx& rows) {
   stacked->LQR(*Q, R);
 }
 
+// With an intercept, [1 X-a y-b] = [1 X-c y-d] T, T the identity but for row 0, which holds
+// c - a and d - b: so the factor for one shift becomes that for another by changing its row 0
+// alone. Factoring the data about one of its rows keeps the intercept from inflating the
+// condition of the columns (Longley's years, Pontius's loads).
+void reshift(TMtx& R, const double* from, const double* to) {
+  for (int j = 1; j < R.Cols(); ++j) R(0, j) += R(0, 0) * (from[j - 1] - to[j - 1]);
+}
+
+// The fit of the data shifted by c (columns of A, then y) turned into that of the data as
+// given: the slopes stay, the intercept becomes b0 + c_y - sum b_j c_j, and V becomes
+// L V L' with L the identity but for row 0, [1, -c_1, ..., -c_k].
+void unshiftFit(const TVec& c, TVec& B, TMtx& V) {
+  const int p = B.Length();
+  std::vector<double> u(static_cast<std::size_t>(p));
+  for (int j = 0; j < p; ++j) {
+    u[j] = V(0, j);
+    for (int m = 1; m < p; ++m) u[j] -= c[m - 1] * V(m, j);
+  }
+  double v00 = u[0];
+  for (int m = 1; m < p; ++m) v00 -= c[m - 1] * u[m], B[0] -= c[m - 1] * B[m];
+  B[0] += c[p - 1];
+  for (int j = 1; j < p; ++j) V(0, j) = V(j, 0) = u[j];
+  V(0, 0) = v00;
+}
+
 }  // namespace
 
 // --- univariate moments -------------------------------------------------------
@@ -214,6 +239,12 @@ void Add(TLeastSquares& S, const TVec& y, const TMtx& A) {
   if (q < 2) ERaise("LeastSquares: no coefficient to fit");
   // The factor is updated on a copy, so that a failure leaves the summary as it was.
   TMtx R = S.R;
+  TVec shift = S.Shift;
+  if (c && S.Y.N == 0) {
+    shift.Size(k + 1);
+    std::copy(A.data(), A.data() + k, shift.data());
+    shift[k] = y[0];
+  }
   core::Guarded("LeastSquares : ", [&] {
     PooledMtx rows;
     for (int first = 0; first < n; first += rowBlock) {
@@ -225,12 +256,15 @@ void Add(TLeastSquares& S, const TVec& y, const TMtx& A) {
         std::copy(A.data() + static_cast<std::ptrdiff_t>(i) * k, A.data() + static_cast<std::ptrdiff_t>(i + 1) * k,
                   r + c);
         r[q - 1] = y[i];
+        if (c)
+          for (int j = 1; j < q; ++j) r[j] -= shift[j - 1];
       }
       stackAndFactor(R, *rows);
     }
   });
   S.Cols = k;
   S.R = std::move(R);
+  S.Shift = std::move(shift);
   Add(S.Y, y);
 }
 
@@ -241,8 +275,9 @@ void Merge(TLeastSquares& S, const TLeastSquares& Other) {
     return;
   }
   if (S.Cols != Other.Cols || S.Constant != Other.Constant) ERaise("LeastSquares: designs differ");
-  TMtx R = S.R;
-  core::Guarded("LeastSquares : ", [&] { stackAndFactor(R, Other.R); });
+  TMtx R = S.R, other = Other.R;
+  if (S.Constant) reshift(other, Other.Shift.data(), S.Shift.data());
+  core::Guarded("LeastSquares : ", [&] { stackAndFactor(R, other); });
   S.R = std::move(R);
   Merge(S.Y, Other.Y);
 }
@@ -267,6 +302,7 @@ void LeastSquaresFit(const TLeastSquares& S, TVec& B, TVec& BStdErr, TRegStats& 
     Rinv->Inv(mtTriangular);
     TMtx& Vm = V ? *V : *Vp;
     Vm.Mul(*Rinv, *Rinv, opNone, opTranspose);
+    if (S.Constant) unshiftFit(S.Shift, B, Vm);
     const double SST = S.Constant ? S.Y.M2 : S.Y.M2 + S.Y.N * S.Y.Mean * S.Y.Mean;
     Regress::detail::RegressionStats(n, p, SST, e * e, S.Constant, Vm, RegStats);
     BStdErr.Size(p);
