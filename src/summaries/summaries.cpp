@@ -136,6 +136,7 @@ double Kurtosis(const TMoments& S) { return (S.M4 / S.N) / std::pow(S.M2 / S.N, 
 // --- co-moments -----------------------------------------------------------------
 
 void Merge(TCoMoments& S, const TCoMoments& Other) {
+  if (&S == &Other) return Merge(S, TCoMoments(Other));  // read every input before writing
   if (Other.N == 0) return;
   if (S.N == 0) {
     S = Other;
@@ -199,8 +200,9 @@ void InitHistogram(THistogram& H, const TVec& Edges) {
   bool ok = Edges.Length() >= 2;
   for (int i = 0; ok && i < Edges.Length(); ++i) ok = std::isfinite(e[i]) && (i == 0 || e[i - 1] < e[i]);
   if (!ok) ERaise("Histogram: at least two finite, strictly ascending edges required");
+  TVec edges = Edges;  // Edges may be H.Edges
   H = THistogram{};
-  H.Edges = Edges;
+  H.Edges = std::move(edges);
   H.Counts.Size(Edges.Length() - 1);
   std::fill(H.Counts.begin(), H.Counts.end(), 0.0);
 }

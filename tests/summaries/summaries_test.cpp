@@ -175,7 +175,7 @@ TEST(SummariesNist, MergedPathKeepsTheDirectDigits) {
   const std::vector<std::pair<std::string, double>> sets = {{"Norris", 11.5}, {"Pontius", 11.5},
                                                             {"NoInt1", 14},   {"Longley", 12.5},
                                                             {"Wampler1", 9},  {"Wampler4", 7.5}};
-  for (const auto& [name, floor] : sets) {
+  for (const auto& [name, minLre] : sets) {
     const test::StrdSet set = test::ReadStrd("lls/" + name);
     const TVec y = set.Column(0);
     const TMtx A = test::StrdDesign(set, false);
@@ -204,7 +204,7 @@ TEST(SummariesNist, MergedPathKeepsTheDirectDigits) {
     std::printf("  %-9s B %4.1f sd %4.1f res %4.1f R2 %4.1f  B %4.1f sd %4.1f res %4.1f R2 %4.1f\n",
                 name.c_str(), direct[0], direct[1], direct[2], direct[3], merged[0], merged[1], merged[2],
                 merged[3]);
-    for (int i = 0; i < 4; ++i) EXPECT_GE(merged[i], floor) << name << " " << i;
+    for (int i = 0; i < 4; ++i) EXPECT_GE(merged[i], minLre) << name << " " << i;
   }
 }
 
