@@ -63,9 +63,19 @@ std::vector<TMoments> summarise(const double* x, int n, const std::vector<int>* 
 // works on at most (q + rowBlock) x q numbers.
 constexpr int rowBlock = 1024;
 
+// A non-empty least-squares summary whose parts disagree (its fields are public) is refused
+// before any of them is read through a raw pointer.
+void requireConsistent(const TLeastSquares& S) {
+  const long long q = S.Cols + (S.Constant ? 1LL : 0LL) + 1;
+  if (S.Cols < 0 || q > INT_MAX) ERaise(msg::SizeMismatch);
+  if (S.Y.N > 0 && (S.R.Cols() != q || S.R.Rows() > q || (S.Constant && S.Shift.Length() != q - 1)))
+    ERaise(msg::SizeMismatch);
+}
+
 // R becomes the triangular factor of [R; rows], rows a k x q matrix.
 void stackAndFactor(TMtx& R, const TMtx& rows) {
   const int q = rows.Cols(), r = R.Rows();
+  if (r > 0 && R.Cols() != q) ERaise(msg::SizeMismatch);
   PooledMtx stacked, Q;
   stacked->Size(r + rows.Rows(), q);
   std::copy(R.data(), R.data() + R.Length(), stacked->data());
@@ -144,6 +154,8 @@ void Merge(TCoMoments& S, const TCoMoments& Other) {
   }
   const int p = S.Mean.Length();
   if (Other.Mean.Length() != p) ERaise("CoMoments: column counts differ");
+  const long long cells = static_cast<long long>(p) * p;
+  if (S.C.Length() != cells || Other.C.Length() != cells) ERaise(msg::SizeMismatch);
   const double na = S.N, nb = Other.N, n = na + nb;
   std::vector<double> delta(static_cast<std::size_t>(p));
   for (int j = 0; j < p; ++j) delta[j] = Other.Mean[j] - S.Mean[j];
@@ -187,9 +199,10 @@ void Add(TCoMoments& S, const TMtx& X) {
 
 void Covariance(const TCoMoments& S, TMtx& Dst, bool Biased) {
   const int p = S.Mean.Length();
+  if (S.C.Length() != static_cast<long long>(p) * p) ERaise(msg::SizeMismatch);
   const double divisor = Biased ? S.N : S.N - 1;
   Dst.Size(p, p);
-  for (int i = 0; i < p * p; ++i) Dst.data()[i] = S.C.data()[i] / divisor;
+  for (int i = 0; i < S.C.Length(); ++i) Dst.data()[i] = S.C.data()[i] / divisor;
 }
 
 // --- histograms with fixed edges --------------------------------------------------
@@ -210,6 +223,7 @@ void InitHistogram(THistogram& H, const TVec& Edges) {
 void Add(THistogram& H, const TVec& X) {
   requireReal(X);
   if (H.Edges.Length() < 2) ERaise("Histogram: edges not set");
+  if (H.Counts.Length() != H.Edges.Length() - 1) ERaise(msg::SizeMismatch);
   const double *lo = H.Edges.data(), *hi = lo + H.Edges.Length();
   for (const double x : X) {
     if (std::isnan(x)) H.NaNs += 1;
@@ -225,6 +239,7 @@ void Merge(THistogram& H, const THistogram& Other) {
   bool same = k == Other.Edges.Length() && k >= 2;
   for (int i = 0; same && i < k; ++i) same = H.Edges[i] == Other.Edges[i];
   if (!same) ERaise("Histogram: edges differ");
+  if (H.Counts.Length() != k - 1 || Other.Counts.Length() != k - 1) ERaise(msg::SizeMismatch);
   H.Counts.Add(Other.Counts);
   H.Below += Other.Below, H.Above += Other.Above, H.NaNs += Other.NaNs;
 }
@@ -236,8 +251,10 @@ void Add(TLeastSquares& S, const TVec& y, const TMtx& A) {
   requireReal(A);
   if (y.Length() != A.Rows()) ERaise("LeastSquares: y.Length <> A.Rows");
   if (S.Y.N > 0 && A.Cols() != S.Cols) ERaise("LeastSquares: A.Cols <> columns of the summary");
+  requireConsistent(S);
+  if (A.Rows() == 0) return;
+  // A row of k doubles exists, so k + 2 cannot overflow.
   const int n = A.Rows(), k = A.Cols(), c = S.Constant ? 1 : 0, q = k + c + 1;
-  if (n == 0) return;
   if (q < 2) ERaise("LeastSquares: no coefficient to fit");
   // The factor is updated on a copy, so that a failure leaves the summary as it was.
   TMtx R = S.R;
@@ -277,6 +294,8 @@ void Merge(TLeastSquares& S, const TLeastSquares& Other) {
     return;
   }
   if (S.Cols != Other.Cols || S.Constant != Other.Constant) ERaise("LeastSquares: designs differ");
+  requireConsistent(S);
+  requireConsistent(Other);
   TMtx R = S.R, other = Other.R;
   if (S.Constant) reshift(other, Other.Shift.data(), S.Shift.data());
   core::Guarded("LeastSquares : ", [&] { stackAndFactor(R, other); });
@@ -286,6 +305,7 @@ void Merge(TLeastSquares& S, const TLeastSquares& Other) {
 
 void LeastSquaresFit(const TLeastSquares& S, TVec& B, TVec& BStdErr, TRegStats& RegStats, TMtx* V) {
   if (S.Y.N > INT_MAX) ERaise(msg::IntegerOverflow);
+  requireConsistent(S);
   core::Guarded("LeastSquaresFit : ", [&] {
     const int p = S.Cols + (S.Constant ? 1 : 0), n = static_cast<int>(S.Y.N);
     if (S.R.Rows() < p) ERaise(msg::SingularMatrix);

@@ -237,6 +237,7 @@ TEST(Summaries, BadInputRaisesExactly) {
       {"LeastSquares: y.Length <> A.Rows", [&] { Add(withConstant, TVec{1}, TMtx{{1}, {2}}); }},
       {"LeastSquares: A.Cols <> columns of the summary", [&] { Add(withConstant, TVec{1}, TMtx{{1, 2}}); }},
       {"LeastSquares: designs differ", [&] { Merge(withConstant, noConstant); }},
+      {"Size mismatch", [&] { TLeastSquares flipped = noConstant; flipped.Constant = true; Merge(withConstant, flipped); }},
       {"LeastSquares: no coefficient to fit", [&] { leastSquares(TVec{1}, TMtx(1, 0), false); }},
       {"LeastSquaresFit : Singular matrix", [&] { LeastSquaresFit(leastSquares(TVec{1}, TMtx{{1}}, true), B, SE, st); }},
       {"LeastSquaresFit : Singular matrix",
