@@ -105,7 +105,7 @@ STATKIT_API void Merge(THistogram& H, const THistogram& Other);
 struct TLeastSquares {
   bool Constant = true;  ///< a column of ones stands before the columns of A (set before adding)
   int Cols = 0;          ///< columns of A (fixed by the first rows added)
-  TMtx R;                ///< upper triangular factor of [D y], min(N, Cols + Constant + 1) rows
+  TMtx R;                ///< upper triangular factor of [D y] (about Shift), min(N, Cols + Constant + 1) rows
   TVec Shift;            ///< with Constant: subtracted from [A y] before factoring (the first row added)
   TMoments Y;            ///< moments of y
 };

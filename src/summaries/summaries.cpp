@@ -310,7 +310,8 @@ void LeastSquaresFit(const TLeastSquares& S, TVec& B, TVec& BStdErr, TRegStats& 
     const int p = S.Cols + (S.Constant ? 1 : 0), n = static_cast<int>(S.Y.N);
     if (S.R.Rows() < p) ERaise(msg::SingularMatrix);
     // [D y] = Q [R11 r; 0 e]: R11 B = r is the least-squares solution, e^2 the residual
-    // sum of squares and (D'D)^-1 = R11^-1 R11^-T, as MulLinRegress forms them.
+    // sum of squares and (D'D)^-1 = R11^-1 R11^-T, as MulLinRegress forms them; with an
+    // intercept, of the shifted data, which unshiftFit turns into the data as given.
     PooledMtx R11, Rinv, Vp;
     PooledVec r;
     R11->Size(p, p);
