@@ -7,7 +7,7 @@
 set -u
 cd "$(dirname "$0")/.."
 . scripts/deps.sh
-need_packages $BUILD_PACKAGES libgtest-dev pkg-config doxygen || exit 1
+need_packages $BUILD_PACKAGES libgtest-dev pkg-config doxygen python3 || exit 1
 jobs=$(nproc)
 status=0
 
