@@ -9,23 +9,13 @@
 #include <sstream>
 #include <string>
 
+#include "bench_data.h"
 #include "statkit/Regress.h"
 
 namespace {
 using namespace statkit::Regress;
 
-// SplitMix64 (Steele, Lea and Flood 2014) uniforms, (k + 0.5) 2^-53: reproduced bit for bit by the peer.
-TVec uniforms(std::uint64_t seed, int n) {
-  TVec u;
-  u.Size(n);
-  for (int i = 0; i < n; ++i) {
-    std::uint64_t z = seed + static_cast<std::uint64_t>(i + 1) * 0x9E3779B97F4A7C15ull;
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-    u[i] = (double((z ^ (z >> 31)) >> 11) + 0.5) * 0x1p-53;
-  }
-  return u;
-}
+TVec uniforms(std::uint64_t seed, int n) { return bench::Draws(seed, n, [](double u) { return u; }); }
 
 // An intercept and p - 1 covariates uniform on (-1, 1); eta = A beta with beta_j = 0.3 (-1)^j.
 void design(int n, int p, TMtx& A, TVec& eta) {

@@ -7,28 +7,13 @@
 #include <cstdint>
 #include <numbers>
 
+#include "bench_data.h"
 #include "statkit/Regress.h"
 
 namespace {
 using namespace statkit::Regress;
 
-// SplitMix64 uniforms and one Box-Muller normal per pair, as in tests_bench.cpp,
-// so that peer_regression.py reproduces the data bit for bit.
-TVec normals(std::uint64_t seed, int n) {
-  auto uniform = [state = seed]() mutable {
-    std::uint64_t z = (state += 0x9E3779B97F4A7C15ull);
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-    return (double((z ^ (z >> 31)) >> 11) + 0.5) * 0x1p-53;
-  };
-  TVec x;
-  x.Size(n);
-  for (int i = 0; i < n; ++i) {
-    const double u1 = uniform(), u2 = uniform();
-    x[i] = std::sqrt(-2.0 * std::log(u1)) * std::cos(2.0 * std::numbers::pi * u2);
-  }
-  return x;
-}
+TVec normals(std::uint64_t seed, int n) { return bench::Normals(seed, n); }
 
 TMtx matrix(std::uint64_t seed, int rows, int cols) {
   const TVec v = normals(seed, rows * cols);
