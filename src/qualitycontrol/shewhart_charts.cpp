@@ -47,6 +47,26 @@ void perSampleChart(const TVec& Data, const TVec& SampleSize, Work&& work) {
   });
 }
 
+// The p and u charts with per-sample sizes: the rates Data[i] / SampleSize[i] about the pooled rate r,
+// with limits r -/+ z sqrt(variance(r) / SampleSize[i]) (variance: r (1 - r) for proportions, r for
+// counts per unit).
+template <class Variance>
+void perSampleRateChart(const TVec& Data, const TVec& SampleSize, TVec& DrawVec, double& CL, TVec& UCL,
+                        TVec& LCL, double Confidence, Variance variance) {
+  perSampleChart(Data, SampleSize, [&](const TVec& d, const TVec& s, double rate) {
+    const double z = qc::oneSidedZ(Confidence), v = variance(rate);
+    const int m = d.Length();
+    DrawVec.Size(m);
+    UCL.Size(m);
+    LCL.Size(m);
+    for (int i = 0; i < m; ++i) {
+      DrawVec[i] = d[i] / s[i];
+      setLimits(rate, z * std::sqrt(v / s[i]), UCL[i], LCL[i]);
+    }
+    CL = rate;
+  });
+}
+
 }  // namespace
 
 void QCXChart(const TMtx& Data, TVec& DrawVec, double& CL, double& UCL, double& LCL, double Confidence) {
@@ -84,18 +104,7 @@ void QCPChart(const TVec& Data, int SampleSize, TVec& DrawVec, double& CL, doubl
 
 void QCPChart(const TVec& Data, const TVec& SampleSize, TVec& DrawVec, double& CL, TVec& UCL, TVec& LCL,
               double Confidence) {
-  perSampleChart(Data, SampleSize, [&](const TVec& d, const TVec& s, double pbar) {
-    const double z = qc::oneSidedZ(Confidence);
-    const int m = d.Length();
-    DrawVec.Size(m);
-    UCL.Size(m);
-    LCL.Size(m);
-    for (int i = 0; i < m; ++i) {
-      DrawVec[i] = d[i] / s[i];
-      setLimits(pbar, z * std::sqrt(pbar * (1.0 - pbar) / s[i]), UCL[i], LCL[i]);
-    }
-    CL = pbar;
-  });
+  perSampleRateChart(Data, SampleSize, DrawVec, CL, UCL, LCL, Confidence, [](double p) { return p * (1.0 - p); });
 }
 
 void QCNPChart(const TVec& Data, int SampleSize, TVec& DrawVec, double& CL, double& UCL, double& LCL,
@@ -135,18 +144,7 @@ void QCUChart(const TVec& Data, int SampleSize, TVec& DrawVec, double& CL, doubl
 
 void QCUChart(const TVec& Data, const TVec& SampleSize, TVec& DrawVec, double& CL, TVec& UCL, TVec& LCL,
               double Confidence) {
-  perSampleChart(Data, SampleSize, [&](const TVec& d, const TVec& s, double ubar) {
-    const double z = qc::oneSidedZ(Confidence);
-    const int m = d.Length();
-    DrawVec.Size(m);
-    UCL.Size(m);
-    LCL.Size(m);
-    for (int i = 0; i < m; ++i) {
-      DrawVec[i] = d[i] / s[i];
-      setLimits(ubar, z * std::sqrt(ubar / s[i]), UCL[i], LCL[i]);
-    }
-    CL = ubar;
-  });
+  perSampleRateChart(Data, SampleSize, DrawVec, CL, UCL, LCL, Confidence, [](double u) { return u; });
 }
 
 void QCCChart(const TVec& Data, TVec& DrawVec, double& CL, double& UCL, double& LCL, double Confidence) {
