@@ -12,6 +12,7 @@
 #include <span>
 
 #include "core/frame.h"
+#include "core/test_decision.h"
 #include "statkit/Statistics.h"
 
 namespace statkit::Statistics {
@@ -101,7 +102,8 @@ double gammaNegLogLik(Pars p, Pars c, Objects o) {
 constexpr double kDensityFloor = 2.220446049250313e-16;
 double weibullNegLogLik(Pars p, Pars, Objects o) {
   const double a = p[0], b = p[1];
-  return negLogLikDirect(o, [&](const TVec& x, TVec& d) { WeibullPDF(x, a, b, d); }, kDensityFloor);
+  return negLogLikDirect(
+      o, [&](const TVec& x, TVec& d) { WeibullPDF(x, a, b, d); }, kDensityFloor);
 }
 
 // The same likelihood over the scale lambda = a^(-1/b) and b, from the work vector's ln x of every x > 0.
@@ -171,9 +173,17 @@ void scoreStandardErrors(const TVec& X, double a, double b, LnPdf lnPdf, double&
   seB = std::sqrt(v11);
 }
 
+// The equal-tailed interval [limit(Alpha/2), limit(1 - Alpha/2)] of a limit increasing in its level p;
+// limit(p, pc) also receives the complement pc = 1 - p as formed once here, for limits read from the
+// upper quantile.
+template <class Limit>
+void equalTailInterval(double* ConfInt, double Alpha, Limit limit) {
+  const double lo = 0.5 * Alpha, hi = 1 - 0.5 * Alpha;
+  core::WriteInterval(ConfInt, limit(lo, hi), limit(hi, lo));
+}
+
 void normalInterval(double* ConfInt, double theta, double se, double Alpha) {
-  ConfInt[0] = NormalCDFInv(0.5 * Alpha, theta, se);
-  ConfInt[1] = NormalCDFInv(1 - 0.5 * Alpha, theta, se);
+  equalTailInterval(ConfInt, Alpha, [&](double p, double) { return NormalCDFInv(p, theta, se); });
 }
 
 // The interval overloads of the maximum-likelihood fits: the short fit, then normal intervals from the
@@ -195,10 +205,10 @@ void fitWithIntervals(const char* prefix, const TVec& X, double& a, double& b, d
 void meanAndSpreadIntervals(int n, double mu, double sigma, double* ConfIntMu, double* ConfIntSigma,
                             double Alpha) {
   const double half = sigma / std::sqrt(static_cast<double>(n));
-  ConfIntMu[0] = mu + StudentCDFInv(0.5 * Alpha, n - 1) * half;
-  ConfIntMu[1] = mu + StudentCDFInv(1 - 0.5 * Alpha, n - 1) * half;
-  ConfIntSigma[0] = sigma * std::sqrt((n - 1) / ChiSquareCDFInv(1 - 0.5 * Alpha, n - 1));
-  ConfIntSigma[1] = sigma * std::sqrt((n - 1) / ChiSquareCDFInv(0.5 * Alpha, n - 1));
+  equalTailInterval(ConfIntMu, Alpha, [&](double p, double) { return mu + StudentCDFInv(p, n - 1) * half; });
+  equalTailInterval(ConfIntSigma, Alpha, [&](double, double pc) {
+    return sigma * std::sqrt((n - 1) / ChiSquareCDFInv(pc, n - 1));
+  });
 }
 
 void checkReal(const TVec& X, const char* message) {
@@ -232,8 +242,9 @@ void BetaFit(const TVec& X, double& a, double& b, int MaxIter, double Tolerance)
 void BetaFit(const TVec& X, double& a, double& b, double* ConfIntA, double* ConfIntB, int MaxIter,
              double Tolerance, double Alpha) {
   checkReal(X, "BetaFit: X.Complex=True");
-  fitWithIntervals("BetaFit : ", X, a, b, ConfIntA, ConfIntB, Alpha,
-                   [&] { BetaFit(X, a, b, MaxIter, Tolerance); }, betaLnPdf);
+  fitWithIntervals(
+      "BetaFit : ", X, a, b, ConfIntA, ConfIntB, Alpha, [&] { BetaFit(X, a, b, MaxIter, Tolerance); },
+      betaLnPdf);
 }
 
 void GammaFit(const TVec& X, double& a, double& b, int MaxIter, double Tolerance) {
@@ -253,8 +264,9 @@ void GammaFit(const TVec& X, double& a, double& b, int MaxIter, double Tolerance
 void GammaFit(const TVec& X, double& a, double& b, double* ConfIntA, double* ConfIntB, int MaxIter,
               double Tolerance, double Alpha) {
   checkReal(X, "GammaFit: X.Complex=True");
-  fitWithIntervals("GammaFit : ", X, a, b, ConfIntA, ConfIntB, Alpha,
-                   [&] { GammaFit(X, a, b, MaxIter, Tolerance); }, gammaLnPdf);
+  fitWithIntervals(
+      "GammaFit : ", X, a, b, ConfIntA, ConfIntB, Alpha, [&] { GammaFit(X, a, b, MaxIter, Tolerance); },
+      gammaLnPdf);
 }
 
 void WeibullFit(const TVec& X, double& a, double& b, int MaxIter, double Tolerance) {
@@ -292,8 +304,9 @@ void WeibullFit(const TVec& X, double& a, double& b, int MaxIter, double Toleran
 void WeibullFit(const TVec& X, double& a, double& b, double* ConfIntA, double* ConfIntB, int MaxIter,
                 double Tolerance, double Alpha) {
   checkReal(X, "WeibullFit: X.Complex=True");
-  fitWithIntervals("WeibullFit : ", X, a, b, ConfIntA, ConfIntB, Alpha,
-                   [&] { WeibullFit(X, a, b, MaxIter, Tolerance); }, weibullLnPdf);
+  fitWithIntervals(
+      "WeibullFit : ", X, a, b, ConfIntA, ConfIntB, Alpha, [&] { WeibullFit(X, a, b, MaxIter, Tolerance); },
+      weibullLnPdf);
 }
 
 // --- closed-form fits ----------------------------------------------------------
@@ -349,8 +362,7 @@ void ExponentFit(const TVec& X, double& mu, double* ConfInt, double Alpha) {
   core::Guarded("ExponentFit : ", [&] {
     // The mean of n exponential values is gamma(n, mu/n).
     const int n = X.Length();
-    ConfInt[0] = GammaCDFInv(0.5 * Alpha, n, mu / n);
-    ConfInt[1] = GammaCDFInv(1 - 0.5 * Alpha, n, mu / n);
+    equalTailInterval(ConfInt, Alpha, [&](double q, double) { return GammaCDFInv(q, n, mu / n); });
   });
 }
 
@@ -365,8 +377,7 @@ void GeometricFit(const TVec& X, double& p, double* ConfInt, double Alpha) {
     GeometricFit(X, p);
     // On the scale of the mean count of failures: the sum of n counts is negative binomial (n, p).
     const int n = X.Length();
-    ConfInt[0] = NegBinomCDFInv(0.5 * Alpha, n, p) / n;
-    ConfInt[1] = NegBinomCDFInv(1 - 0.5 * Alpha, n, p) / n;
+    equalTailInterval(ConfInt, Alpha, [&](double q, double) { return NegBinomCDFInv(q, n, p) / n; });
   });
 }
 
@@ -412,13 +423,9 @@ void PoissonFit(const TVec& X, double& lambda, double* ConfInt, double Alpha) {
     // The sum L = n lambda is Poisson(L): its quantiles, or the normal approximation from L = 100 on.
     const int n = X.Length();
     const double L = n * lambda;
-    if (L < 100) {
-      ConfInt[0] = PoissonCDFInv(0.5 * Alpha, L) / n;
-      ConfInt[1] = PoissonCDFInv(1 - 0.5 * Alpha, L) / n;
-    } else {
-      ConfInt[0] = NormalCDFInv(0.5 * Alpha, L, std::sqrt(L)) / n;
-      ConfInt[1] = NormalCDFInv(1 - 0.5 * Alpha, L, std::sqrt(L)) / n;
-    }
+    equalTailInterval(ConfInt, Alpha, [&](double q, double) {
+      return (L < 100 ? PoissonCDFInv(q, L) : NormalCDFInv(q, L, std::sqrt(L))) / n;
+    });
   });
 }
 
@@ -435,8 +442,8 @@ void RayleighFit(const TVec& X, double& b, double* ConfInt, double Alpha) {
     RayleighFit(X, b);
     // sum x^2 / b^2 is chi-square with 2n degrees of freedom.
     const int n2 = 2 * X.Length();
-    ConfInt[0] = b * std::sqrt(n2 / ChiSquareCDFInv(1 - 0.5 * Alpha, n2));
-    ConfInt[1] = b * std::sqrt(n2 / ChiSquareCDFInv(0.5 * Alpha, n2));
+    equalTailInterval(ConfInt, Alpha,
+                      [&](double, double qc) { return b * std::sqrt(n2 / ChiSquareCDFInv(qc, n2)); });
   });
 }
 
@@ -449,8 +456,7 @@ void UniformDFit(const TVec& X, int& N, double* ConfInt, double Alpha) {
   UniformDFit(X, N);
   core::Guarded("UniformDFit : ", [&] {
     // P(max <= m | N) = (m/N)^n: the N whose probability of a maximum as low as m is Alpha bound it.
-    ConfInt[0] = N;
-    ConfInt[1] = std::floor(N * std::pow(Alpha, -1.0 / X.Length()));
+    core::WriteInterval(ConfInt, N, std::floor(N * std::pow(Alpha, -1.0 / X.Length())));
   });
 }
 
@@ -464,10 +470,8 @@ void UniformFit(const TVec& X, double& a, double& b, double* ConfIntA, double* C
   UniformFit(X, a, b);
   core::Guarded("UniformFit : ", [&] {
     const double d = (b - a) * Alpha;
-    ConfIntA[0] = a;
-    ConfIntA[1] = b - d;
-    ConfIntB[0] = a + d;
-    ConfIntB[1] = b;
+    core::WriteInterval(ConfIntA, a, b - d);
+    core::WriteInterval(ConfIntB, a + d, b);
   });
 }
 
