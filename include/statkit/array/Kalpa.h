@@ -70,7 +70,7 @@ public:
   void SetSubIndex(int BeginIndex, int EndIndex);
   /// \brief Ends a SetSubIndex view: Self is whole again.
   void SetFullRange();
-  /// \brief True while Self is a view (SetSubRange or SetSubIndex).
+  /// \brief True while Self is a view (SetSubRange, SetSubIndex or SetExternal).
   [[nodiscard]] bool IsView() const { return subRange_ || narrowed_; }
 
   /// \brief Turns real storage into complex storage with zero imaginary parts (nothing when
@@ -118,6 +118,8 @@ protected:
   virtual void OnLengthChanged() {}
   /// Makes Self a view on \p src's elements \p index .. \p index + \p len - 1.
   void ShareFrom(const TKalpa& src, int index, int len);
+  /// Makes Self a fixed-length view on \p len real elements at \p data, which Self does not own.
+  void AttachExternal(double* data, int len);
   /// Gives up storage that a view may share, for an object going back to the pool.
   void ReleaseShared();
   void CheckRange(int index, int len) const;
@@ -310,6 +312,11 @@ public:
   /// \brief A new empty vector owned by the caller.
   [[nodiscard]] static TVec Create() { return TVec(); }
 
+  /// \brief Makes Self a view on \p Len real elements at \p Data, owned by the caller, who keeps
+  /// them alive while Self refers to them: a host's array is read (or written) in place, without
+  /// a copy. The view's length is fixed; SetFullRange ends it (Self becomes empty).
+  void SetExternal(double* Data, int Len);
+
   /// \brief Resizes; values are kept up to the shorter length.
   void SetLength(int Len);
   /// \brief Sets the length and the complex flag; element values are unspecified until written.
@@ -418,6 +425,9 @@ public:
   using TKalpa::Size;
   /// \brief Changes the shape keeping element (r, c) where it exists in both; new elements are 0.
   void Resize(int Rows, int Cols);
+  /// \brief Makes Self a view on the \p Rows x \p Cols real elements at \p Data (row by row),
+  /// owned by the caller as for TVec::SetExternal; the shape is fixed.
+  void SetExternal(double* Data, int Rows, int Cols);
   void SetRows(int Value);
   void SetCols(int Value);
 

@@ -183,6 +183,17 @@ void TKalpa::ShareFrom(const TKalpa& src, int index, int len) {
   subRange_ = true;
 }
 
+void TKalpa::AttachExternal(double* data, int len) {
+  if (len < 0 || (len > 0 && data == nullptr)) ERaise(msg::SizeMismatch);
+  buf_.reset();
+  base_ = data;
+  length_ = len;
+  complex_ = false;
+  narrowed_ = false;
+  fullBase_ = nullptr;
+  subRange_ = true;
+}
+
 void TKalpa::ReleaseShared() {
   if (IsView() || (buf_ && buf_.use_count() > 1)) {
     buf_.reset();
@@ -339,6 +350,8 @@ void TVec::SetIt(bool Complex, std::span<const double> Values) {
 void TVec::SetIt(std::span<const double> Values) { SetIt(false, Values); }
 
 void TVec::SetSubRange(const TKalpa& Src, int Index, int Len) { ShareFrom(Src, Index, Len); }
+
+void TVec::SetExternal(double* Data, int Len) { AttachExternal(Data, Len); }
 
 void TVec::Concat(std::initializer_list<std::reference_wrapper<const TVec>> Src) {
   long total = 0;
@@ -526,6 +539,15 @@ void TMtx::Size(int Rows, int Cols, bool Complex, bool) {
   if (n > std::numeric_limits<int>::max()) ERaise(msg::IntegerOverflow);
   if (IsView() && (Rows != rows_ || Cols != cols_)) ERaise(msg::SizeMismatch);
   Allocate(static_cast<int>(n), Complex, false);
+  SetShape(Rows, Cols);
+}
+
+void TMtx::SetExternal(double* Data, int Rows, int Cols) {
+  if (Rows < 0 || Cols < 0) ERaise(msg::SizeMismatch);
+  const long long n = static_cast<long long>(Rows) * Cols;
+  if (n > std::numeric_limits<int>::max()) ERaise(msg::IntegerOverflow);
+  AttachExternal(Data, static_cast<int>(n));
+  fullRows_ = fullCols_ = -1;
   SetShape(Rows, Cols);
 }
 
