@@ -12,3 +12,5 @@ need_packages() {
   fi
 }
 BUILD_PACKAGES="g++ make cmake libeigen3-dev libboost-dev"
+# The Python module and its tests: pybind11, NumPy, pytest, Dask.
+PYTHON_PACKAGES="python3-dev pybind11-dev python3-numpy python3-pytest python3-dask python3-distributed"

@@ -7,7 +7,7 @@
 set -u
 cd "$(dirname "$0")/.."
 . scripts/deps.sh
-need_packages $BUILD_PACKAGES libgtest-dev pkg-config doxygen python3 || exit 1
+need_packages $BUILD_PACKAGES libgtest-dev pkg-config doxygen python3 $PYTHON_PACKAGES || exit 1
 jobs=$(nproc)
 status=0
 
@@ -19,7 +19,8 @@ run_suite() {
     (cd "$dir" && ctest --output-on-failure -j "$jobs") || status=1
 }
 
-run_suite build/test-release -DCMAKE_BUILD_TYPE=Release
+# The release build also builds the Python module and runs its tests (pytest).
+run_suite build/test-release -DCMAKE_BUILD_TYPE=Release -DSTATKIT_BUILD_PYTHON=ON -DPython3_EXECUTABLE=/usr/bin/python3
 echo "== API reference ==" && cmake --build build/test-release --target statkit_docs || status=1
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 run_suite build/test-sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSTATKIT_SANITIZE=ON

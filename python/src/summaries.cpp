@@ -1,0 +1,4 @@
+#include "binding.h"
+namespace statkit::python {
+void BindSummaries(py::module_&) {}
+}  // namespace statkit::python

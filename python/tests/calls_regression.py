@@ -1,0 +1,2 @@
+"""Call-table rows: the Python side of calls_regression.cpp."""
+CALLS = {}
