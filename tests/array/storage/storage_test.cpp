@@ -171,8 +171,31 @@ TEST(Storage, OutOfRangeOverflowingAndMismatchedCallsRaise) {
       {"Complex data not supported", [&] { TVec z; z.Size(2, true); (void)z[0]; }},
       {"Complex data not supported", [&] { TVec z; z.Size(3, true); z.SetZero(); TVec d; d.Add(v, z); }},
       {"Integer overflow", [&] { TVec big{3e9}; (void)big.IValue(0); }},
+      {"Integer overflow", [&] { TMtx e; e.SetExternal(nullptr, INT_MAX, 2); }},
+      {"Size mismatch", [&] { TVec e; e.SetExternal(nullptr, 3); }},
   };
   test::ExpectEachRaises(bad);
+}
+
+// A view on a host's memory reads and writes it in place, keeps its length,
+// and a copy of it owns its own storage.
+TEST(Storage, ExternalViewsUseTheHostsMemory) {
+  double host[6] = {1, 2, 3, 4, 5, 6};
+  TVec v;
+  v.SetExternal(host, 6);
+  TMtx m;
+  m.SetExternal(host, 2, 3);
+  EXPECT_TRUE(v.data() == host && m.data() == host && v.IsView() && m.Rows() == 2 && m(1, 2) == 6);
+  m(0, 1) = 20;
+  EXPECT_EQ(host[1], 20);
+  EXPECT_EQ(v.Sum(), 41);
+  TVec copy(v);
+  copy[0] = 100;
+  EXPECT_EQ(host[0], 1);
+  EXPECT_RAISES(v.Size(7), "Size mismatch");
+  v.SetFullRange();
+  EXPECT_EQ(v.Length(), 0);
+  EXPECT_EQ(host[5], 6);
 }
 
 
