@@ -2,9 +2,7 @@
 import numpy as np
 
 import statkit
-from statkit import StatControlCharts as C
-from statkit import StatProbPlots as P
-from statkit import StatTimeSerAnalysis as S
+from statkit import StatControlCharts as C, StatProbPlots as P, StatTimeSerAnalysis as S
 from conftest import data, matrix
 
 SIZES = np.array([80.0, 95, 70, 64, 120, 88, 77, 99, 101, 66])  # above every count of data(10)
@@ -14,8 +12,7 @@ def seeded(seed, call):
     return lambda: (statkit.RandSeed(seed), call())[1]
 
 
-def same(first, second):
-    """first, checked equal to second (two spellings of one call)."""
+def same(first, second):  # two spellings of one call
     np.testing.assert_equal(first, second)
     return first
 
