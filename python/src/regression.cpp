@@ -46,8 +46,9 @@ struct NamedDerive {
   const char* name;
   TDeriveProc proc;
 };
-constexpr NamedModel kModels[] = {
-    {"RegModels", "LineEval", LineEval}, {"RegModels", "PowerEval", PowerEval}, {"RegModels", "ExpEval", ExpEval}};
+constexpr NamedModel kModels[] = {{"RegModels", "LineEval", LineEval},
+                                  {"RegModels", "PowerEval", PowerEval},
+                                  {"RegModels", "ExpEval", ExpEval}};
 constexpr NamedDerive kDerives[] = {{"RegModels", "LineDeriv", LineDeriv},
                                     {"RegModels", "PowerDeriv", PowerDeriv},
                                     {"RegModels", "ExpDeriv", ExpDeriv},
@@ -85,7 +86,8 @@ struct type_caster<statkit::python::InArrayOf<Dims>> {
 
 template <>
 struct type_caster<statkit::python::ModelRoutine> {
-  PYBIND11_TYPE_CASTER(statkit::python::ModelRoutine, const_name("Callable[[numpy.ndarray[numpy.float64], float], float]"));
+  PYBIND11_TYPE_CASTER(statkit::python::ModelRoutine,
+                       const_name("Callable[[numpy.ndarray[numpy.float64], float], float]"));
   bool load(handle src, bool) {
     const auto* e = statkit::python::Recognised(src, statkit::python::kModels);
     if (e != nullptr) value.fun = e->fun;
@@ -95,7 +97,8 @@ struct type_caster<statkit::python::ModelRoutine> {
 
 template <>
 struct type_caster<statkit::python::DeriveRoutine> {
-  PYBIND11_TYPE_CASTER(statkit::python::DeriveRoutine, const_name("Optional[Callable[..., numpy.ndarray[numpy.float64]]]"));
+  PYBIND11_TYPE_CASTER(statkit::python::DeriveRoutine,
+                       const_name("Optional[Callable[..., numpy.ndarray[numpy.float64]]]"));
   bool load(handle src, bool) {
     if (src.is_none()) return true;
     const auto* e = statkit::python::Recognised(src, statkit::python::kDerives);
@@ -151,11 +154,20 @@ private:
 };
 
 // The coefficients as a new array: the library's own live only during the call.
-py::array_t<double> CopyOf(Pars B) { return py::array_t<double>(static_cast<py::ssize_t>(B.size()), B.data()); }
+py::array_t<double> CopyOf(Pars B) {
+  return py::array_t<double>(static_cast<py::ssize_t>(B.size()), B.data());
+}
 
-// A Python model RegressFun(B, X) -> float.
+// A Python model RegressFun(B, X) -> float. Python converts the result, so that a wrong one (None from
+// a missing return) raises a Python TypeError that names it.
 TRegressFunction PythonModel(const py::function& f, Callbacks& cb) {
-  return [&f, &cb](Pars B, double X) { return cb.Call([&] { return f(CopyOf(B), X).cast<double>(); }); };
+  return [&f, &cb](Pars B, double X) {
+    return cb.Call([&] {
+      const double v = PyFloat_AsDouble(f(CopyOf(B), X).ptr());
+      if (v == -1.0 && PyErr_Occurred() != nullptr) throw py::error_already_set();
+      return v;
+    });
+  };
 }
 
 // A Python derivative DeriveProc(RegressFun, X, Y, B) -> len(B) values; RegressFun is the Python model.
@@ -163,7 +175,7 @@ TDeriveFunction PythonDerive(const std::optional<py::function>& d, const py::fun
   if (!d) return {};
   return [&d, &f, &cb](const TRegressFunction&, double X, double Y, Pars B, TVec& Grad) {
     cb.Call([&] {
-      const auto g = (*d)(f, X, Y, CopyOf(B)).cast<InArray>();
+      const InArray g((*d)(f, X, Y, CopyOf(B)));  // NumPy's own error for what it cannot convert
       if (g.ndim() != 1 || static_cast<std::size_t>(g.shape(0)) != B.size()) ERaise(msg::SizeMismatch);
       Grad.Size(static_cast<int>(B.size()));
       std::copy(g.data(), g.data() + B.size(), Grad.data());
@@ -181,7 +193,9 @@ TMtx OwnedMtx(const InArray& a) {
   return TMtx(view);
 }
 
-std::string WithNote(const char* doc, const char* note) { return std::string(doc) + "\n\nFrom Python: " + note; }
+std::string WithNote(const char* doc, const char* note) {
+  return std::string(doc) + "\n\nFrom Python: " + note;
+}
 
 struct Fit {
   TVec B, YCalc;
@@ -193,9 +207,12 @@ void BindLinear(py::module_& m) {
                                         "Coefficients, fitted values and the unscaled matrix V = (D'WD)^-1.");
   const py::handle Stats = ResultType(m, "TRegStats", "ResidualVar R2 AdjustedR2 F SignifProb",
                                       "The goodness of fit of a regression.");
-  const py::handle TestType = ResultType(m, "TRegressTestResult", "V RegStats Residuals BStdErr",
-                                         "The coefficients' covariance, the statistics, residuals and standard errors.");
-  auto fit = [FitType](Fit& r) { return FitType(VecOut(std::move(r.B)), VecOut(std::move(r.YCalc)), MtxOut(std::move(r.V))); };
+  const py::handle TestType =
+      ResultType(m, "TRegressTestResult", "V RegStats Residuals BStdErr",
+                 "The coefficients' covariance, the statistics, residuals and standard errors.");
+  auto fit = [FitType](Fit& r) {
+    return FitType(VecOut(std::move(r.B)), VecOut(std::move(r.YCalc)), MtxOut(std::move(r.V)));
+  };
   m.def(
       "LinRegress",
       [fit](const InArray& X, const InArray& Y, const OptArray& Weights) {
@@ -253,10 +270,12 @@ py::array TableOut(const std::array<double, N>& t) {
 }
 
 void BindAnova(py::module_& m) {
-  const py::handle One = ResultType(m, "TANOVA1Result", "Table Signif",
-                                    "The one-way table (SS, df, MS, F, critical F) and the significance of F.");
-  const py::handle Two = ResultType(m, "TANOVA2Result", "Table SignifRows SignifCols SignifInteract",
-                                    "The two-way table and the significances (SignifInteract NaN without replication).");
+  const py::handle One =
+      ResultType(m, "TANOVA1Result", "Table Signif",
+                 "The one-way table (SS, df, MS, F, critical F) and the significance of F.");
+  const py::handle Two =
+      ResultType(m, "TANOVA2Result", "Table SignifRows SignifCols SignifInteract",
+                 "The two-way table and the significances (SignifInteract NaN without replication).");
   m.def(
       "ANOVA1",
       [One](const InArray& Data, double Alpha) {
@@ -287,8 +306,9 @@ void BindAnova(py::module_& m) {
 }
 
 void BindNonlinear(py::module_& m) {
-  const py::handle Result = ResultType(m, "TNLinResult", "Result B StopReason YCalc",
-                                       "The optimiser's result, the fitted coefficients, why it stopped, model values.");
+  const py::handle Result =
+      ResultType(m, "TNLinResult", "Result B StopReason YCalc",
+                 "The optimiser's result, the fitted coefficients, why it stopped, model values.");
   m.def(
       "NumericDerive",
       [](ModelRoutine RegressFun, double X, double Y, const InArray& B) {
@@ -325,17 +345,19 @@ void BindNonlinear(py::module_& m) {
         const TVec* wp = OptVecIn(Weights, w);
         TOptStopReason stop{};
         const int res = Unlocked([&] {
-          return NLinRegress(x, y, RegressFun.fun, DeriveProc.proc, b, Method, stop, wp, &ycalc, OptimizerFlag,
-                             MaxIter, Tol, GradTol);
+          return NLinRegress(x, y, RegressFun.fun, DeriveProc.proc, b, Method, stop, wp, &ycalc,
+                             OptimizerFlag, MaxIter, Tol, GradTol);
         });
         return Result(res, VecOut(std::move(b)), stop, VecOut(std::move(ycalc)));
       },
-      py::arg("X"), py::arg("Y"), py::arg("RegressFun"), py::arg("DeriveProc"), py::arg("B"), py::arg("Method"),
-      py::arg("Weights"), py::arg("OptimizerFlag"), py::arg("MaxIter"), py::arg("Tol"), py::arg("GradTol"),
-      WithNote(Doc("Regress::NLinRegress", 0),
-               "RegressFun is RegModels.LineEval, PowerEval or ExpEval and DeriveProc RegModels.LineDeriv, "
-               "PowerDeriv, ExpDeriv, Regress.NumericDerive or None: the fit runs in C++ without the "
-               "interpreter lock. B holds the start values (not changed); returns (Result, B, StopReason, YCalc).")
+      py::arg("X"), py::arg("Y"), py::arg("RegressFun"), py::arg("DeriveProc"), py::arg("B"),
+      py::arg("Method"), py::arg("Weights"), py::arg("OptimizerFlag"), py::arg("MaxIter"), py::arg("Tol"),
+      py::arg("GradTol"),
+      WithNote(
+          Doc("Regress::NLinRegress", 0),
+          "RegressFun is RegModels.LineEval, PowerEval or ExpEval and DeriveProc RegModels.LineDeriv, "
+          "PowerDeriv, ExpDeriv, Regress.NumericDerive or None: the fit runs in C++ without the "
+          "interpreter lock. B holds the start values (not changed); returns (Result, B, StopReason, YCalc).")
           .c_str());
   m.def(
       "NLinRegress",
@@ -354,8 +376,9 @@ void BindNonlinear(py::module_& m) {
         });
         return Result(res, VecOut(std::move(b)), stop, VecOut(std::move(ycalc)));
       },
-      py::arg("X"), py::arg("Y"), py::arg("RegressFun"), py::arg("DeriveProc"), py::arg("B"), py::arg("Method"),
-      py::arg("Weights"), py::arg("OptimizerFlag"), py::arg("MaxIter"), py::arg("Tol"), py::arg("GradTol"),
+      py::arg("X"), py::arg("Y"), py::arg("RegressFun"), py::arg("DeriveProc"), py::arg("B"),
+      py::arg("Method"), py::arg("Weights"), py::arg("OptimizerFlag"), py::arg("MaxIter"), py::arg("Tol"),
+      py::arg("GradTol"),
       WithNote(Doc("Regress::NLinRegress", 1),
                "RegressFun(B, X) -> float and DeriveProc(RegressFun, X, Y, B) -> len(B) values, or None for "
                "NumericDerive; B arrives as a new array. An exception either raises reaches the caller as "
@@ -365,11 +388,13 @@ void BindNonlinear(py::module_& m) {
 }
 
 void BindLogisticRidge(py::module_& m) {
-  const py::handle Binomial = ResultType(m, "TLogisticResult", "B YCalc BStdErr",
-                                         "Coefficients, fitted counts and standard errors (empty when no pass ran).");
-  const py::handle Ordinal = ResultType(m, "TOrdinalLogisticResult", "Result B Theta BStdErr FMin StopReason",
-                                        "Marquardt's result, coefficients, cut-points, standard errors, -2 log L, "
-                                        "why Marquardt stopped.");
+  const py::handle Binomial =
+      ResultType(m, "TLogisticResult", "B YCalc BStdErr",
+                 "Coefficients, fitted counts and standard errors (empty when no pass ran).");
+  const py::handle Ordinal =
+      ResultType(m, "TOrdinalLogisticResult", "Result B Theta BStdErr FMin StopReason",
+                 "Marquardt's result, coefficients, cut-points, standard errors, -2 log L, "
+                 "why Marquardt stopped.");
   m.def(
       "LogisticRegress",
       [Binomial](const InArray& y, const InArray& n, const OptArray& A, double Offset, double Tol) {
@@ -384,8 +409,8 @@ void BindLogisticRidge(py::module_& m) {
       Doc("Regress::LogisticRegress", 0));
   m.def(
       "LogisticRegress",
-      [Ordinal](const InArray& y, const InArray& A, const InArray& B, const InArray& Theta, int MaxIter, double Tol,
-                bool InitEstimates) {
+      [Ordinal](const InArray& y, const InArray& A, const InArray& B, const InArray& Theta, int MaxIter,
+                double Tol, bool InitEstimates) {
         const TVec yv = VecIn(y);
         const TMtx a = MtxIn(A);
         TVec b = OwnedVec(B), theta = OwnedVec(Theta), se;
@@ -393,7 +418,8 @@ void BindLogisticRidge(py::module_& m) {
         TOptStopReason stop{};
         const int res = Unlocked(
             [&] { return LogisticRegress(yv, a, b, theta, se, fmin, stop, MaxIter, Tol, InitEstimates); });
-        return Ordinal(res, VecOut(std::move(b)), VecOut(std::move(theta)), VecOut(std::move(se)), fmin, stop);
+        return Ordinal(res, VecOut(std::move(b)), VecOut(std::move(theta)), VecOut(std::move(se)), fmin,
+                       stop);
       },
       py::arg("y"), py::arg("A"), py::arg("B"), py::arg("Theta"), py::arg("MaxIter"), py::arg("Tol"),
       py::arg("InitEstimates"), Doc("Regress::LogisticRegress", 1));
