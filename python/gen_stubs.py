@@ -23,7 +23,8 @@ import statkit._statkit as ext  # noqa: E402
 SIGNATURE = re.compile(r"^(?:\d+\. )?(\w+)(\(.*\)) -> (.+)$")
 NAMES = [("numpy.ndarray[numpy.float64]", "NDArray[numpy.float64]"),
          ("numpy.ndarray[numpy.complex128]", "NDArray[numpy.complex128]"),
-         ("statkit._statkit.", ""), ("-> object", "-> Any"), (": object", ": Any"), ("numpy.ndarray", "NDArray[Any]")]
+         ("statkit._statkit.", ""), ("-> object", "-> Any"), (": function", ": Callable[..., Any]"),
+         ("[function]", "[Callable[..., Any]]"), (": object", ": Any"), ("numpy.ndarray", "NDArray[Any]")]
 
 
 def local(text):
@@ -94,7 +95,7 @@ def members(module, indent=""):
     return out
 
 
-HEADER = ["from typing import Any, NamedTuple, overload", "", "import numpy", "from numpy.typing import NDArray", ""]
+HEADER = ["from typing import Any, Callable, NamedTuple, Optional, overload", "", "import numpy", "from numpy.typing import NDArray", ""]
 
 
 def write(path, doc, lines):

@@ -32,6 +32,15 @@ namespace py = pybind11;
 using InArray = py::array_t<double, py::array::c_style | py::array::forcecast>;
 using OptArray = std::optional<InArray>;
 
+/// A float64 input that must have \p Dims dimensions. Overloads that differ
+/// only in a vector against a matrix (Covariance, MulLinEval) are told apart by
+/// the argument's shape: an array of the other shape does not match, and
+/// pybind11 goes on to the next overload instead of calling this one.
+template <int Dims>
+struct ShapedArray {
+  InArray array;
+};
+
 /// A vector over the elements of a one-dimensional \p a, in place (no copy).
 /// \p a must outlive the vector.
 TVec VecIn(const InArray& a);
@@ -76,3 +85,22 @@ void BindControlCharts(py::module_& m);
 void BindSummaries(py::module_& m);
 
 }  // namespace statkit::python
+
+namespace pybind11::detail {
+
+template <int Dims>
+struct type_caster<statkit::python::ShapedArray<Dims>> {
+  using Array = statkit::python::InArray;
+  PYBIND11_TYPE_CASTER(statkit::python::ShapedArray<Dims>, handle_type_name<Array>::name);
+
+  bool load(handle src, bool convert) {
+    make_caster<Array> inner;
+    if (!inner.load(src, convert)) return false;
+    Array& a = cast_op<Array&>(inner);
+    if (a.ndim() != Dims) return false;
+    value.array = std::move(a);
+    return true;
+  }
+};
+
+}  // namespace pybind11::detail

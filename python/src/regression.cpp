@@ -20,13 +20,6 @@ namespace {
 using namespace Regress;
 using namespace RegModels;
 
-/// An array of exactly \p Dims dimensions: overloads that differ only in the rank of an input
-/// (MulLinEval of one observation or of a matrix) are told apart during overload resolution.
-template <int Dims>
-struct InArrayOf {
-  InArray a;
-};
-
 /// A model routine of RegModels as Python holds it (RegModels.LineEval, PowerEval, ExpEval).
 struct ModelRoutine {
   TRegressFun fun = nullptr;
@@ -70,19 +63,6 @@ const Entry* Recognised(py::handle src, const Entry (&table)[N]) {
 }  // namespace statkit::python
 
 namespace pybind11::detail {
-
-template <int Dims>
-struct type_caster<statkit::python::InArrayOf<Dims>> {
-  PYBIND11_TYPE_CASTER(statkit::python::InArrayOf<Dims>, const_name("numpy.ndarray[numpy.float64]"));
-  bool load(handle src, bool convert) {
-    make_caster<statkit::python::InArray> inner;
-    if (!inner.load(src, convert)) return false;
-    auto& a = cast_op<statkit::python::InArray&>(inner);
-    if (a.ndim() != Dims) return false;
-    value.a = std::move(a);
-    return true;
-  }
-};
 
 template <>
 struct type_caster<statkit::python::ModelRoutine> {
@@ -496,16 +476,16 @@ void BindRegModels(py::module_& m) {
   BindCurve<static_cast<Eval1>(ExpEval), static_cast<EvalN>(ExpEval), ExpDeriv, ExpFit>(m, "Exp");
   m.def(
       "MulLinEval",
-      [](const InArray& B, const InArrayOf<1>& X, bool Constant) {
-        const TVec b = VecIn(B), x = VecIn(X.a);
+      [](const InArray& B, const ShapedArray<1>& X, bool Constant) {
+        const TVec b = VecIn(B), x = VecIn(X.array);
         return Unlocked([&] { return MulLinEval(Pars(b.data(), b.Length()), x, Constant); });
       },
       py::arg("B"), py::arg("X"), py::arg("Constant"), Doc("RegModels::MulLinEval", 0));
   m.def(
       "MulLinEval",
-      [](const InArray& B, const InArrayOf<2>& A, bool Constant) {
+      [](const InArray& B, const ShapedArray<2>& A, bool Constant) {
         const TVec b = VecIn(B);
-        const TMtx a = MtxIn(A.a);
+        const TMtx a = MtxIn(A.array);
         TVec y;
         Unlocked([&] { MulLinEval(Pars(b.data(), b.Length()), a, y, Constant); });
         return VecOut(std::move(y));

@@ -8,39 +8,10 @@
 
 namespace statkit::python {
 namespace {
-
-/// A float64 input that must have \p Dims dimensions. Overloads that differ
-/// only in a vector against a matrix (Covariance, CorrCoef) are told apart by
-/// the argument's shape: an array of the other shape does not match, and
-/// pybind11 goes on to the next overload instead of calling this one.
-template <int Dims>
-struct ShapedArray {
-  InArray array;
-};
 using VecArg = ShapedArray<1>;
 using MtxArg = ShapedArray<2>;
-
 }  // namespace
 }  // namespace statkit::python
-
-namespace pybind11::detail {
-
-template <int Dims>
-struct type_caster<statkit::python::ShapedArray<Dims>> {
-  using Array = statkit::python::InArray;
-  PYBIND11_TYPE_CASTER(statkit::python::ShapedArray<Dims>, handle_type_name<Array>::name);
-
-  bool load(handle src, bool convert) {
-    make_caster<Array> inner;
-    if (!inner.load(src, convert)) return false;
-    Array& a = cast_op<Array&>(inner);
-    if (a.ndim() != Dims) return false;
-    value.array = std::move(a);
-    return true;
-  }
-};
-
-}  // namespace pybind11::detail
 
 namespace statkit::python {
 
