@@ -408,7 +408,9 @@ void BindRankTests(py::module_& m, py::handle Test) {
 // Goodness-of-fit and normality tests: a decision without an interval. The
 // fitted-law form of GOFChi2Test is registered first: a law (an enumeration)
 // never converts to an array, while a list as Data could let the other form
-// take the law for E.
+// take the law for E. The chi-square and normality tests default to the right
+// tail, their usual significance (a large statistic, or a small W, rejects);
+// the Kolmogorov test to both sides.
 void BindFitTests(py::module_& m, py::handle Decided) {
   m.def(
       "GOFChi2Test",
@@ -418,7 +420,7 @@ void BindFitTests(py::module_& m, py::handle Decided) {
         return Decision(
             Decided, [&](TestOutcome& r) { GOFChi2Test(x, Dist, NumBins, r.hRes, r.Signif, hType, Alpha); });
       },
-      py::arg("Data"), py::arg("Dist"), py::arg("NumBins"), py::arg("hType") = htTwoTailed,
+      py::arg("Data"), py::arg("Dist"), py::arg("NumBins"), py::arg("hType") = htRightTailed,
       py::arg("Alpha") = 0.05, Doc("Statistics::GOFChi2Test", 1));
   m.def(
       "GOFChi2Test",
@@ -430,7 +432,7 @@ void BindFitTests(py::module_& m, py::handle Decided) {
         });
       },
       py::arg("O"), py::arg("E"), py::arg("SampleSize"), py::arg("DegFreedom"),
-      py::arg("hType") = htTwoTailed, py::arg("Alpha") = 0.05, Doc("Statistics::GOFChi2Test", 0));
+      py::arg("hType") = htRightTailed, py::arg("Alpha") = 0.05, Doc("Statistics::GOFChi2Test", 0));
   m.def(
       "GOFKolmogorov",
       [Decided](const InArray& Data, const OptArray& CDFx, const OptArray& CDFy, THypothesisType hType,
@@ -450,7 +452,7 @@ void BindFitTests(py::module_& m, py::handle Decided) {
         const TVec x = VecIn(Data);
         return Decision(Decided, [&](TestOutcome& r) { ShapiroWilks(x, r.hRes, r.Signif, hType, Alpha); });
       },
-      py::arg("Data"), py::arg("hType") = htTwoTailed, py::arg("Alpha") = 0.05,
+      py::arg("Data"), py::arg("hType") = htRightTailed, py::arg("Alpha") = 0.05,
       Doc("Statistics::ShapiroWilks"));
   m.def(
       "ShapiroFrancia",
@@ -458,7 +460,7 @@ void BindFitTests(py::module_& m, py::handle Decided) {
         const TVec x = VecIn(Data);
         return Decision(Decided, [&](TestOutcome& r) { ShapiroFrancia(x, r.hRes, r.Signif, hType, Alpha); });
       },
-      py::arg("Data"), py::arg("hType") = htTwoTailed, py::arg("Alpha") = 0.05,
+      py::arg("Data"), py::arg("hType") = htRightTailed, py::arg("Alpha") = 0.05,
       Doc("Statistics::ShapiroFrancia"));
 }
 

@@ -135,10 +135,10 @@ std::vector<Row> StatisticsRows() {
          return Out(rs, t.h, t.p, t.ci[0], t.ci[1]);
        }},
       {"GOFChi2Test0", Decided([](O t) {
-         GOFChi2Test(TVec{18, 22, 30, 30}, TVec{25, 25, 25, 25}, 100, 3, t.h, t.p, htTwoTailed, 0.05);
+         GOFChi2Test(TVec{18, 22, 30, 30}, TVec{25, 25, 25, 25}, 100, 3, t.h, t.p, htRightTailed, 0.05);
        })},
       {"GOFChi2Test1", Decided([](O t) {
-         GOFChi2Test(Data(50), distNormal, 6, t.h, t.p, htTwoTailed, 0.05);
+         GOFChi2Test(Data(50), distNormal, 6, t.h, t.p, htRightTailed, 0.05);
        })},
       {"GOFKolmogorov", Decided([](O t) {
          GOFKolmogorov(Data(20), t.h, t.p, nullptr, nullptr, htTwoTailed, 0.05);
@@ -147,8 +147,8 @@ std::vector<Row> StatisticsRows() {
          const TVec x{0, 63}, y{0, 1};
          GOFKolmogorov(Data(20), t.h, t.p, &x, &y, htRightTailed, 0.05);
        })},
-      {"ShapiroWilks", Decided([](O t) { ShapiroWilks(Sorted(20), t.h, t.p, htTwoTailed, 0.05); })},
-      {"ShapiroFrancia", Decided([](O t) { ShapiroFrancia(Sorted(20), t.h, t.p, htTwoTailed, 0.05); })},
+      {"ShapiroWilks", Decided([](O t) { ShapiroWilks(Sorted(20), t.h, t.p, htRightTailed, 0.05); })},
+      {"ShapiroFrancia", Decided([](O t) { ShapiroFrancia(Sorted(20), t.h, t.p, htRightTailed, 0.05); })},
       {"FullFactDesign0", [] { TMtx r; FullFactDesign(3, r); return Out(r); }},
       {"FullFactDesignMul", [] { TMtx r; const TVec m{2, 3, 4}; FullFactDesign(3, r, &m); return Out(r); }},
       {"FullFactDesign1", [] { TMtx r; FullFactDesign(TVec{2, 3}, r); return Out(r); }},
