@@ -26,7 +26,8 @@ using statkit::TVec;
 /// \brief Count, mean, central sums of powers 2 to 4, minimum and maximum of a set of numbers.
 struct TMoments {
   double N = 0.0;     ///< number of values
-  double Mean = 0.0;  ///< their mean
+  double Mean = 0.0;  ///< their mean (rounded)
+  double MeanLow = 0.0;  ///< what Mean lacks: the mean is Mean + MeanLow, to a few eps of the spread
   double M2 = 0.0;    ///< sum of (x - Mean)^2
   double M3 = 0.0;    ///< sum of (x - Mean)^3
   double M4 = 0.0;    ///< sum of (x - Mean)^4
@@ -106,6 +107,7 @@ struct TLeastSquares {
   bool Constant = true;  ///< a column of ones stands before the columns of A (set before adding)
   int Cols = 0;          ///< columns of A (fixed by the first rows added)
   TMtx R;                ///< upper triangular factor of [D y] (about Shift), min(N, Cols + Constant + 1) rows
+  TMtx RLow;             ///< what R lacks (merges keep the factor in double-double): R + RLow; empty means zero
   TVec Shift;            ///< with Constant: subtracted from [A y] before factoring (the first row added)
   TMoments Y;            ///< moments of y
 };
@@ -127,6 +129,42 @@ STATKIT_API void Merge(TLeastSquares& S, const TLeastSquares& Other);
 /// \param V optional: receives the coefficients' covariance matrix.
 STATKIT_API void LeastSquaresFit(const TLeastSquares& S, TVec& B, TVec& BStdErr, TRegStats& RegStats,
                                  TMtx* V = nullptr);
+
+/// \brief Sums of the residuals r = y - D B of fixed coefficients B, in double-double (about 32
+/// digits): built in a second pass over the data, they refine the fit of a TLeastSquares.
+struct TLeastSquaresResiduals {
+  bool Constant = true;  ///< a column of ones stands before the columns of A
+  TVec B;                ///< the coefficients (the intercept first when Constant)
+  double N = 0.0;        ///< number of rows added
+  TVec G;                ///< D'r rounded to double, one element per coefficient
+  TVec GLow;             ///< what G lacks: D'r = G + GLow
+  double SSE = 0.0;      ///< r'r rounded to double
+  double SSELow = 0.0;   ///< what SSE lacks: r'r = SSE + SSELow
+};
+
+/// \brief Sets \p S to empty residual sums against the coefficients \p B.
+/// \param S the summary.
+/// \param B the coefficients, as LeastSquaresFit gives them (the intercept first when \p Constant).
+/// \param Constant true: the rows carry a column of ones before the columns of A.
+STATKIT_API void InitResiduals(TLeastSquaresResiduals& S, const TVec& B, bool Constant);
+/// \brief Adds the residuals of the observations \p y on the rows of \p A to \p S.
+/// \param S the summary to extend.
+/// \param y the observations, one per row of \p A.
+/// \param A the independent variables, one column each.
+STATKIT_API void Add(TLeastSquaresResiduals& S, const TVec& y, const TMtx& A);
+/// \brief Merges \p Other (residuals of the same coefficients) into \p S by double-double addition.
+/// \param S the summary to extend.
+/// \param Other the summary merged in.
+STATKIT_API void Merge(TLeastSquaresResiduals& S, const TLeastSquaresResiduals& Other);
+/// \brief The fit of \p S refined by the residual sums \p Residuals of the same data.
+/// \param S the summary.
+/// \param Residuals residual sums of the data of \p S against coefficients near the fit.
+/// \param B receives the refined coefficients (the intercept first when Constant).
+/// \param BStdErr receives their standard errors.
+/// \param RegStats receives the regression statistics.
+/// \param V optional: receives the coefficients' covariance matrix.
+STATKIT_API void LeastSquaresFit(const TLeastSquares& S, const TLeastSquaresResiduals& Residuals, TVec& B,
+                                 TVec& BStdErr, TRegStats& RegStats, TMtx* V = nullptr);
 
 // --- one-way analysis of variance ---------------------------------------------------
 
