@@ -140,13 +140,18 @@ struct TLeastSquaresResiduals {
   TVec GLow;             ///< what G lacks: D'r = G + GLow
   double SSE = 0.0;      ///< r'r rounded to double
   double SSELow = 0.0;   ///< what SSE lacks: r'r = SSE + SSELow
+  double YCentre = 0.0;  ///< y is summed about it: the mean of y with Constant, else 0
+  double YSum = 0.0;     ///< sum of y - YCentre, rounded to double
+  double YSumLow = 0.0;  ///< what YSum lacks
+  double YSS = 0.0;      ///< sum of (y - YCentre)^2, rounded to double
+  double YSSLow = 0.0;   ///< what YSS lacks
 };
 
-/// \brief Sets \p S to empty residual sums against the coefficients \p B.
+/// \brief Sets \p S to empty residual sums of the data of \p Fit against the coefficients \p B.
 /// \param S the summary.
-/// \param B the coefficients, as LeastSquaresFit gives them (the intercept first when \p Constant).
-/// \param Constant true: the rows carry a column of ones before the columns of A.
-STATKIT_API void InitResiduals(TLeastSquaresResiduals& S, const TVec& B, bool Constant);
+/// \param Fit the merged least-squares summary of the data (gives Constant and the mean of y).
+/// \param B the coefficients, as LeastSquaresFit gives them (the intercept first when Constant).
+STATKIT_API void InitResiduals(TLeastSquaresResiduals& S, const TLeastSquares& Fit, const TVec& B);
 /// \brief Adds the residuals of the observations \p y on the rows of \p A to \p S.
 /// \param S the summary to extend.
 /// \param y the observations, one per row of \p A.

@@ -191,7 +191,7 @@ TEST(SummariesNist, MergedPathKeepsTheDirectDigits) {
     LeastSquaresFit(l, mB, mSE, mst);
     const auto r = splitAndMerge<TLeastSquaresResiduals>(y.Length(), 7, rng, [&](int a, int b) {
       TLeastSquaresResiduals s;
-      InitResiduals(s, mB, constant);
+      InitResiduals(s, l, mB);
       Add(s, rowsOf(y, a, b), rowsOf(A, a, b));
       return s;
     });
@@ -229,6 +229,10 @@ TEST(Summaries, BadInputRaisesExactly) {
   TGroupMoments oneGroup, gap;
   Add(oneGroup, TVec{1, 2}, TVec{0, 0});
   Add(gap, TVec{1, 2}, TVec{0, 2});
+  TLeastSquaresResiduals unset, res, otherRes;
+  InitResiduals(res, withConstant, TVec{0, 1});
+  InitResiduals(otherRes, withConstant, TVec{0, 2});
+  Add(otherRes, TVec{1}, TMtx{{1}});
   TVec complex;
   complex.Size(2, true);
   TMoments m;
@@ -251,6 +255,12 @@ TEST(Summaries, BadInputRaisesExactly) {
       {"LeastSquaresFit : Singular matrix", [&] { LeastSquaresFit(leastSquares(TVec{1}, TMtx{{1}}, true), B, SE, st); }},
       {"LeastSquaresFit : Singular matrix",
        [&] { LeastSquaresFit(leastSquares(TVec{1, 2, 3}, TMtx{{1}, {1}, {1}}, true), B, SE, st); }},
+      {"LeastSquares: no coefficient to fit", [&] { InitResiduals(res, withConstant, TVec()); }},
+      {"LeastSquares: coefficients not set", [&] { Add(unset, TVec{1}, TMtx{{1}}); }},
+      {"LeastSquares: A.Cols <> columns of the summary", [&] { Add(res, TVec{1}, TMtx{{1, 2}}); }},
+      {"LeastSquares: y.Length <> A.Rows", [&] { Add(res, TVec{1, 2}, TMtx{{1}}); }},
+      {"LeastSquares: coefficients differ", [&] { Merge(res, otherRes); }},
+      {"LeastSquaresFit: residuals of other data", [&] { LeastSquaresFit(withConstant, otherRes, B, SE, st); }},
       {"GroupMoments: Data.Length <> GroupIndex.Length", [&] { Add(gap, TVec{1}, TVec{0, 1}); }},
       {"GroupMoments: GroupIndex must be finite, >= 0 and < 2^24", [&] { Add(gap, TVec{1}, TVec{NAN}); }},
       {"GroupMoments: GroupIndex must be finite, >= 0 and < 2^24", [&] { Add(gap, TVec{1}, TVec{-1}); }},
