@@ -82,7 +82,8 @@ void requireConsistent(const TLeastSquares& S) {
   if (S.Cols < 0 || q > INT_MAX) ERaise(msg::SizeMismatch);
   if (S.Y.N > 0 && (S.R.Cols() != q || S.R.Rows() > q || (S.Constant && S.Shift.Length() != q - 1)))
     ERaise(msg::SizeMismatch);
-  if (S.RLow.Length() > 0 && (S.RLow.Rows() != S.R.Rows() || S.RLow.Cols() != S.R.Cols())) ERaise(msg::SizeMismatch);
+  if (S.RLow.Length() > 0 && (S.RLow.Rows() != S.R.Rows() || S.RLow.Cols() != S.R.Cols()))
+    ERaise(msg::SizeMismatch);
 }
 
 // R becomes the triangular factor of [R; rows], rows a k x q matrix.
@@ -298,7 +299,8 @@ void Merge(TMoments& S, const TMoments& Other) {
   const double delta = dd.hi, d2 = delta * delta;
   TMoments m;
   m.N = n;
-  const DD mean = finite(na >= nb ? DD{a.Mean, a.MeanLow} + dd * (nb / n) : DD{b.Mean, b.MeanLow} - dd * (na / n));
+  const DD mean =
+      finite(na >= nb ? DD{a.Mean, a.MeanLow} + dd * (nb / n) : DD{b.Mean, b.MeanLow} - dd * (na / n));
   m.Mean = mean.hi, m.MeanLow = mean.lo;
   m.M2 = a.M2 + b.M2 + d2 * (na * nb / n);
   m.M3 = a.M3 + b.M3 + d2 * delta * (na * nb * (na - nb) / (n * n)) + 3 * delta * (na * b.M2 - nb * a.M2) / n;
@@ -449,8 +451,8 @@ void Add(TLeastSquares& S, const TVec& y, const TMtx& A) {
       double* r = rows->data();
       for (int i = first; i < first + m; ++i, r += q) {
         if (c) r[0] = 1.0;
-        std::copy(A.data() + static_cast<std::ptrdiff_t>(i) * k, A.data() + static_cast<std::ptrdiff_t>(i + 1) * k,
-                  r + c);
+        std::copy(A.data() + static_cast<std::ptrdiff_t>(i) * k,
+                  A.data() + static_cast<std::ptrdiff_t>(i + 1) * k, r + c);
         r[q - 1] = y[i];
         if (c)
           for (int j = 1; j < q; ++j) r[j] -= shift[j - 1];

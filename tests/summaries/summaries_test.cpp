@@ -136,6 +136,19 @@ TEST(Summaries, MergedPartsGiveTheWholeDataResults) {
     EXPECT_REL(mst.R2, st.R2, 1e-12);
     EXPECT_REL(mst.AdjustedR2, st.AdjustedR2, 1e-12);
     EXPECT_REL(mst.F, st.F, 1e-12);
+    // The second pass, cut and merged at random again, refines the same fit.
+    const auto res = splitAndMerge<TLeastSquaresResiduals>(n, parts, rng, [&](int a, int b) {
+      TLeastSquaresResiduals s;
+      InitResiduals(s, l, mB);
+      Add(s, rowsOf(y, a, b), rowsOf(A, a, b));
+      return s;
+    });
+    LeastSquaresFit(l, res, mB, mSE, mst);
+    for (int j = 0; j <= k; ++j) {
+      EXPECT_REL(mB[j], B[j], 1e-12);
+      EXPECT_REL(mSE[j], SE[j], 1e-12);
+    }
+    EXPECT_REL(mst.R2, st.R2, 1e-12);
 
     const auto gm = splitAndMerge<TGroupMoments>(n, parts, rng, [&](int a, int b) {
       TGroupMoments s;
