@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <limits>
 #include <cmath>
 #include <utility>
 
@@ -227,7 +228,7 @@ DD fitOf(const TLeastSquares& S, const TLeastSquaresResiduals* Rs, TVec& B, TMtx
   const DDFactor R = loadFactor(S.R, S.RLow);
   // A column that is (numerically) a combination of the ones before it leaves a diagonal
   // element at rounding level against the column's norm, as the direct QR decides.
-  const double tol = std::max(S.Y.N, static_cast<double>(p)) * 2.220446049250313e-16;
+  const double tol = std::max(S.Y.N, static_cast<double>(p)) * std::numeric_limits<double>::epsilon();
   for (int k = 0; k < p; ++k) {
     double norm2 = 0.0;
     for (int i = 0; i <= k; ++i) norm2 += R(i, k).hi * R(i, k).hi;
