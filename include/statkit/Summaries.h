@@ -25,13 +25,14 @@ using statkit::TVec;
 
 /// \brief Count, mean, central sums of powers 2 to 4, minimum and maximum of a set of numbers.
 struct TMoments {
-  double N = 0.0;     ///< number of values
-  double Mean = 0.0;  ///< their mean
-  double M2 = 0.0;    ///< sum of (x - Mean)^2
-  double M3 = 0.0;    ///< sum of (x - Mean)^3
-  double M4 = 0.0;    ///< sum of (x - Mean)^4
-  double Min = INF;   ///< smallest value (NaN once a NaN was added)
-  double Max = -INF;  ///< largest value (NaN once a NaN was added)
+  double N = 0.0;        ///< number of values
+  double Mean = 0.0;     ///< their mean (rounded)
+  double MeanLow = 0.0;  ///< what Mean lacks: the mean is Mean + MeanLow, to a few eps of the spread
+  double M2 = 0.0;       ///< sum of (x - Mean)^2
+  double M3 = 0.0;       ///< sum of (x - Mean)^3
+  double M4 = 0.0;       ///< sum of (x - Mean)^4
+  double Min = INF;      ///< smallest value (NaN once a NaN was added)
+  double Max = -INF;     ///< largest value (NaN once a NaN was added)
 };
 
 /// \brief Adds the values of \p X to \p S (a two-pass summary of \p X merged into \p S).
@@ -78,8 +79,8 @@ STATKIT_API void Covariance(const TCoMoments& S, TMtx& Dst, bool Biased);
 
 /// \brief Counts of values in the bins [Edges[i], Edges[i+1]) (the last bin closed), and of the rest.
 struct THistogram {
-  TVec Edges;         ///< ascending, finite bin edges
-  TVec Counts;        ///< one count per bin
+  TVec Edges;          ///< ascending, finite bin edges
+  TVec Counts;         ///< one count per bin
   double Below = 0.0;  ///< values below Edges[0]
   double Above = 0.0;  ///< values above the last edge
   double NaNs = 0.0;   ///< NaN values
@@ -106,6 +107,7 @@ struct TLeastSquares {
   bool Constant = true;  ///< a column of ones stands before the columns of A (set before adding)
   int Cols = 0;          ///< columns of A (fixed by the first rows added)
   TMtx R;                ///< upper triangular factor of [D y] (about Shift), min(N, Cols + Constant + 1) rows
+  TMtx RLow;             ///< what R lacks: the factor is R + RLow (double-double); empty means zero
   TVec Shift;            ///< with Constant: subtracted from [A y] before factoring (the first row added)
   TMoments Y;            ///< moments of y
 };
@@ -127,6 +129,52 @@ STATKIT_API void Merge(TLeastSquares& S, const TLeastSquares& Other);
 /// \param V optional: receives the coefficients' covariance matrix.
 STATKIT_API void LeastSquaresFit(const TLeastSquares& S, TVec& B, TVec& BStdErr, TRegStats& RegStats,
                                  TMtx* V = nullptr);
+
+// A second pass refines the fit: with B0 from LeastSquaresFit(S) on the merged S, each part
+// does InitResiduals(r, S, B0) and Add(r, y, A) on its rows; the merged r gives the refined
+// fit LeastSquaresFit(S, r, ...). A step multiplies the error of B0 by about cond^2 eps, and
+// may be repeated with the refined coefficients.
+
+/// \brief Sums of the residuals r = y - D B of fixed coefficients B, in double-double (about 32
+/// digits): built in a second pass over the data, they refine the fit of a TLeastSquares.
+struct TLeastSquaresResiduals {
+  bool Constant = true;  ///< a column of ones stands before the columns of A
+  TVec B;                ///< the coefficients (the intercept first when Constant)
+  double N = 0.0;        ///< number of rows added
+  TVec G;                ///< D'r rounded to double, one element per coefficient
+  TVec GLow;             ///< what G lacks: D'r = G + GLow
+  double SSE = 0.0;      ///< r'r rounded to double
+  double SSELow = 0.0;   ///< what SSE lacks: r'r = SSE + SSELow
+  double YCentre = 0.0;  ///< y is summed about it: the mean of y with Constant, else 0
+  double YSum = 0.0;     ///< sum of y - YCentre, rounded to double
+  double YSumLow = 0.0;  ///< what YSum lacks
+  double YSS = 0.0;      ///< sum of (y - YCentre)^2, rounded to double
+  double YSSLow = 0.0;   ///< what YSS lacks
+};
+
+/// \brief Sets \p S to empty residual sums of the data of \p Fit against the coefficients \p B.
+/// \param S the summary.
+/// \param Fit the merged least-squares summary of the data (gives Constant and the mean of y).
+/// \param B the coefficients, as LeastSquaresFit gives them (the intercept first when Constant).
+STATKIT_API void InitResiduals(TLeastSquaresResiduals& S, const TLeastSquares& Fit, const TVec& B);
+/// \brief Adds the residuals of the observations \p y on the rows of \p A to \p S.
+/// \param S the summary to extend.
+/// \param y the observations, one per row of \p A.
+/// \param A the independent variables, one column each.
+STATKIT_API void Add(TLeastSquaresResiduals& S, const TVec& y, const TMtx& A);
+/// \brief Merges \p Other (residuals of the same coefficients) into \p S by double-double addition.
+/// \param S the summary to extend.
+/// \param Other the summary merged in.
+STATKIT_API void Merge(TLeastSquaresResiduals& S, const TLeastSquaresResiduals& Other);
+/// \brief The fit of \p S refined by the residual sums \p Residuals of the same data.
+/// \param S the summary.
+/// \param Residuals residual sums of the data of \p S against coefficients near the fit.
+/// \param B receives the refined coefficients (the intercept first when Constant).
+/// \param BStdErr receives their standard errors.
+/// \param RegStats receives the regression statistics.
+/// \param V optional: receives the coefficients' covariance matrix.
+STATKIT_API void LeastSquaresFit(const TLeastSquares& S, const TLeastSquaresResiduals& Residuals, TVec& B,
+                                 TVec& BStdErr, TRegStats& RegStats, TMtx* V = nullptr);
 
 // --- one-way analysis of variance ---------------------------------------------------
 

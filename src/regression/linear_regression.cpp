@@ -159,11 +159,14 @@ void RegressTest(const TVec& Y, const TVec& YCalc, TMtx& V, TRegStats& RegStats,
 namespace detail {
 
 void RegressionStats(int n, int p, double SST, double SSE, bool Constant, TMtx& V, TRegStats& s) {
+  RegressionStats(n, p, SST, SSE, SST - SSE, Constant, V, s);
+}
+
+void RegressionStats(int n, int p, double SST, double SSE, double SSR, bool Constant, TMtx& V, TRegStats& s) {
   const int dfE = n - p;
   if (dfE <= 0) {
     s = {0.0, 1.0, 0.0, 0.0, 1.0};
   } else {
-    const double SSR = SST - SSE;
     s.ResidualVar = SSE / dfE;
     s.R2 = SSR / SST;
     s.AdjustedR2 = 1.0 - (1.0 - s.R2) * (n - 1.0) / dfE;
