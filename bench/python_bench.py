@@ -83,13 +83,28 @@ def cpp_times(build, repeats):
     return times
 
 
-def small_calls():
-    """Microseconds a call on 10 values, best of 5 runs of 20000 calls."""
-    x, y = tests.normals(21, 10), tests.normals(22, 10)
-    calls = {"MeanG": lambda: S.MeanG(x), "tTest": lambda: S.tTest(x, 0.0),
-             "tTest two samples": lambda: S.tTest(x, y), "Percentile": lambda: S.Percentile(x, 0.5, S.pctMethodEDF),
-             "scipy.stats.ttest_1samp": lambda: scipy_stats.ttest_1samp(x, 0.0)}
-    return {name: min(timeit.repeat(fn, number=20000, repeat=5)) / 20000 * 1e6 for name, fn in calls.items()}
+# Calls on 10 values: (C++ benchmark of the same call or None, the call from Python).
+SMALL = {
+    "tTest": ("BM_tTestOneSample10", lambda x: lambda: S.tTest(x, 0.0)),
+    "Percentile": ("BM_PercentileEDF10", lambda x: lambda: S.Percentile(x, 0.5, S.pctMethodEDF)),
+    "MeanG": (None, lambda x: lambda: S.MeanG(x)),
+    "scipy.stats.ttest_1samp": (None, lambda x: lambda: scipy_stats.ttest_1samp(x, 0.0)),
+}
+
+
+def small_calls(build, repeats):
+    """Microseconds a call on 10 values from Python (best of 5 runs of 20000) and in C++."""
+    x = tests.normals(21, 10)
+    names = [cpp for cpp, _ in SMALL.values() if cpp]
+    cpp = {}
+    if os.path.exists(os.path.join(build, "bench", "tests_bench")):
+        cpp = peer.run_statkit(build, "tests", "|".join(n + "$" for n in names), repeats)
+    for name, (cpp_name, make) in SMALL.items():
+        fn = make(x)
+        py = min(timeit.repeat(fn, number=20000, repeat=5)) / 20000 * 1e6
+        c = cpp.get(cpp_name)
+        extra = f"  C++ {c * 1e6:6.2f} us, binding {py - c * 1e6:5.2f} us" if c else ""
+        print(f"  {name:28s} {py:6.2f} us{extra}")
 
 
 def main():
@@ -107,9 +122,8 @@ def main():
         over = f"{100 * (py - c) / c:8.1f}%" if c else f"{'-':>9s}"
         ctext = f"{c * 1e3:8.2f}ms" if c else f"{'-':>10s}"
         print(f"{name:36s} {py * 1e3:8.2f}ms {ctext} {pt * 1e3:8.2f}ms {py / pt:8.3f} {over}")
-    print("\nA call on 10 values (the whole call: conversion, C++ work, result):")
-    for name, us in small_calls().items():
-        print(f"  {name:28s} {us:6.2f} us")
+    print("\nA call on 10 values (the whole call from Python: conversion, C++ work, result):")
+    small_calls(a.build, a.repeats)
     print(f"pool objects outstanding after the run: {statkit.PoolOutstanding()}")
     return 0
 

@@ -40,6 +40,24 @@ void BM_tTestTwoSamples1e7(benchmark::State& state) {
 }
 BENCHMARK(BM_tTestTwoSamples1e7)->Unit(benchmark::kMillisecond);
 
+// Small samples: the cost a binding adds shows against these (bench/python_bench.py).
+void BM_tTestOneSample10(benchmark::State& state) {
+  const TVec x = normals(21, 10);
+  THypothesisResult res;
+  double p, ci[2];
+  for (auto _ : state) {
+    tTest(x, 0.0, res, p, ci, htTwoTailed, 0.05);
+    benchmark::DoNotOptimize(p);
+  }
+}
+BENCHMARK(BM_tTestOneSample10);
+
+void BM_PercentileEDF10(benchmark::State& state) {
+  const TVec x = normals(21, 10);
+  for (auto _ : state) benchmark::DoNotOptimize(Percentile(x, 0.5, pctMethodEDF));
+}
+BENCHMARK(BM_PercentileEDF10);
+
 void BM_SpearmanRankCorr1e6(benchmark::State& state) {
   const TVec x = normals(4, 1000000);
   TVec y = normals(5, 1000000);

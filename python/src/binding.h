@@ -57,6 +57,11 @@ py::array MtxOut(TMtx&& m);
 /// The interval (lower, upper).
 py::tuple Interval(const double (&ci)[2]);
 
+/// The decision \p h as the enumeration's Python value. The three values are
+/// made once: a new enumeration instance per call would cost a small test
+/// more than its arithmetic.
+py::object HypothesisResult(Statistics::THypothesisResult h);
+
 /// The docstring of overload \p overload of \p qualified ("Statistics::tTest")
 /// from the header documentation; empty when there is none.
 const char* Doc(const char* qualified, int overload = 0);

@@ -63,10 +63,14 @@ py::enum_<E> BindEnum(py::module_& m, const char* name, const std::array<std::st
   return e;
 }
 
+// The values of THypothesisResult (the module's own, which it keeps alive).
+PyObject* gDecisions[3] = {};
+
 void BindEnumerations(py::module_& top, py::module_& stats, py::module_& models) {
   using namespace Statistics;
   BindEnum<THypothesisType>(stats, "THypothesisType", THypothesisTypeNames, "The alternative hypothesis.");
   BindEnum<THypothesisResult>(stats, "THypothesisResult", THypothesisResultNames, "A test's decision.");
+  for (int h = 0; h < 3; ++h) gDecisions[h] = stats.attr(std::string(THypothesisResultNames[h]).c_str()).ptr();
   BindEnum<TPCAMode>(stats, "TPCAMode", TPCAModeNames, "The matrix principal components come from.");
   BindEnum<TTestDistribution>(stats, "TTestDistribution", TTestDistributionNames,
                               "The laws the goodness-of-fit test fits.");
@@ -103,6 +107,10 @@ const TVec* OptVecIn(const OptArray& a, TVec& holder) {
 py::array VecOut(TVec&& v) { return Adopt(std::move(v), {v.Length()}); }
 
 py::array MtxOut(TMtx&& m) { return Adopt(std::move(m), {m.Rows(), m.Cols()}); }
+
+py::object HypothesisResult(Statistics::THypothesisResult h) {
+  return py::reinterpret_borrow<py::object>(gDecisions[h]);
+}
 
 py::tuple Interval(const double (&ci)[2]) { return py::make_tuple(ci[0], ci[1]); }
 

@@ -32,7 +32,7 @@ template <class F>
 py::object WithInterval(py::handle Type, F&& f) {
   TestOutcome r;
   Unlocked([&] { f(r); });
-  return Type(r.hRes, r.Signif, Interval(r.ConfInt));
+  return Type(HypothesisResult(r.hRes), r.Signif, Interval(r.ConfInt));
 }
 
 // As WithInterval for a test that has no interval: (hRes, Signif).
@@ -40,7 +40,7 @@ template <class F>
 py::object Decision(py::handle Type, F&& f) {
   TestOutcome r;
   Unlocked([&] { f(r); });
-  return Type(r.hRes, r.Signif);
+  return Type(HypothesisResult(r.hRes), r.Signif);
 }
 
 // A vector or a matrix over the caller's array, by the C++ type wanted.
@@ -399,7 +399,7 @@ void BindRankTests(py::module_& m, py::handle Test) {
         double rs = 0.0;
         TestOutcome r;
         Unlocked([&] { SpearmanRankCorr(x, y, rs, r.hRes, r.Signif, r.ConfInt, hType, Alpha); });
-        return Spearman(rs, r.hRes, r.Signif, Interval(r.ConfInt));
+        return Spearman(rs, HypothesisResult(r.hRes), r.Signif, Interval(r.ConfInt));
       },
       py::arg("X"), py::arg("Y"), py::arg("hType") = htTwoTailed, py::arg("Alpha") = 0.05,
       Doc("Statistics::SpearmanRankCorr"));
