@@ -188,7 +188,7 @@ TEST(Storage, ExternalViewsUseTheHostsMemory) {
   EXPECT_TRUE(v.data() == host && m.data() == host && v.IsView() && m.Rows() == 2 && m(1, 2) == 6);
   m(0, 1) = 20;
   EXPECT_EQ(host[1], 20);
-  EXPECT_EQ(v.Sum(), 41);
+  EXPECT_EQ(v.Sum(), 39);
   TVec copy(v);
   copy[0] = 100;
   EXPECT_EQ(host[0], 1);
