@@ -57,24 +57,34 @@ void BindMoments(py::module_& m) {
                         return MomentsFrom(v.data());
                       }));
   m.def(
-      "Add", [](TMoments& S, const InArray& X) { const TVec x = VecIn(X); Unlocked([&] { Add(S, x); }); },
+      "Add",
+      [](TMoments& S, const InArray& X) {
+        const TVec x = VecIn(X);
+        Unlocked([&] { Add(S, x); });
+      },
       py::arg("S"), py::arg("X"), Doc("Summaries::Add", 0));
   m.def(
       "Merge", [](TMoments& S, const TMoments& Other) { Merge(S, Other); }, py::arg("S"), py::arg("Other"),
       Doc("Summaries::Merge", 0));
-  m.def("Variance", [](const TMoments& S) { return Variance(S); }, py::arg("S"), Doc("Summaries::Variance"));
-  m.def("StdDev", [](const TMoments& S) { return StdDev(S); }, py::arg("S"), Doc("Summaries::StdDev"));
-  m.def("Skewness", [](const TMoments& S) { return Skewness(S); }, py::arg("S"), Doc("Summaries::Skewness"));
-  m.def("Kurtosis", [](const TMoments& S) { return Kurtosis(S); }, py::arg("S"), Doc("Summaries::Kurtosis"));
+  m.def(
+      "Variance", [](const TMoments& S) { return Variance(S); }, py::arg("S"), Doc("Summaries::Variance"));
+  m.def(
+      "StdDev", [](const TMoments& S) { return StdDev(S); }, py::arg("S"), Doc("Summaries::StdDev"));
+  m.def(
+      "Skewness", [](const TMoments& S) { return Skewness(S); }, py::arg("S"), Doc("Summaries::Skewness"));
+  m.def(
+      "Kurtosis", [](const TMoments& S) { return Kurtosis(S); }, py::arg("S"), Doc("Summaries::Kurtosis"));
 }
 
 void BindCoMoments(py::module_& m) {
   py::class_<TCoMoments>(m, "TCoMoments", "Count, column means and centred cross-product sums of rows.")
       .def(py::init<>())
       .def_readonly("N", &TCoMoments::N, "number of rows")
-      .def_property_readonly("Mean", [](const TCoMoments& s) { return VecCopy(s.Mean); }, "column means")
-      .def_property_readonly("C", [](const TCoMoments& s) { return MtxCopy(s.C); },
-                             "C[j, k] = sum (x_j - Mean[j]) (x_k - Mean[k])")
+      .def_property_readonly(
+          "Mean", [](const TCoMoments& s) { return VecCopy(s.Mean); }, "column means")
+      .def_property_readonly(
+          "C", [](const TCoMoments& s) { return MtxCopy(s.C); },
+          "C[j, k] = sum (x_j - Mean[j]) (x_k - Mean[k])")
       .def(py::pickle([](const TCoMoments& s) { return py::make_tuple(s.N, VecCopy(s.Mean), MtxCopy(s.C)); },
                       [](const py::tuple& t) {
                         RequireState(t, 3, "TCoMoments");
@@ -85,11 +95,15 @@ void BindCoMoments(py::module_& m) {
                         return s;
                       }));
   m.def(
-      "Add", [](TCoMoments& S, const InArray& X) { const TMtx x = MtxIn(X); Unlocked([&] { Add(S, x); }); },
+      "Add",
+      [](TCoMoments& S, const InArray& X) {
+        const TMtx x = MtxIn(X);
+        Unlocked([&] { Add(S, x); });
+      },
       py::arg("S"), py::arg("X"), Doc("Summaries::Add", 1));
   m.def(
-      "Merge", [](TCoMoments& S, const TCoMoments& Other) { Unlocked([&] { Merge(S, Other); }); }, py::arg("S"),
-      py::arg("Other"), Doc("Summaries::Merge", 1));
+      "Merge", [](TCoMoments& S, const TCoMoments& Other) { Unlocked([&] { Merge(S, Other); }); },
+      py::arg("S"), py::arg("Other"), Doc("Summaries::Merge", 1));
   m.def(
       "Covariance",
       [](const TCoMoments& S, bool Biased) {
@@ -103,13 +117,17 @@ void BindCoMoments(py::module_& m) {
 void BindHistogram(py::module_& m) {
   py::class_<THistogram>(m, "THistogram", "Counts of values between fixed edges, below, above, and NaNs.")
       .def(py::init<>())
-      .def_property_readonly("Edges", [](const THistogram& h) { return VecCopy(h.Edges); }, "bin edges")
-      .def_property_readonly("Counts", [](const THistogram& h) { return VecCopy(h.Counts); }, "count per bin")
+      .def_property_readonly(
+          "Edges", [](const THistogram& h) { return VecCopy(h.Edges); }, "bin edges")
+      .def_property_readonly(
+          "Counts", [](const THistogram& h) { return VecCopy(h.Counts); }, "count per bin")
       .def_readonly("Below", &THistogram::Below, "values below Edges[0]")
       .def_readonly("Above", &THistogram::Above, "values above the last edge")
       .def_readonly("NaNs", &THistogram::NaNs, "NaN values")
       .def(py::pickle(
-          [](const THistogram& h) { return py::make_tuple(VecCopy(h.Edges), VecCopy(h.Counts), h.Below, h.Above, h.NaNs); },
+          [](const THistogram& h) {
+            return py::make_tuple(VecCopy(h.Edges), VecCopy(h.Counts), h.Below, h.Above, h.NaNs);
+          },
           [](const py::tuple& t) {
             RequireState(t, 5, "THistogram");
             THistogram h;
@@ -128,11 +146,15 @@ void BindHistogram(py::module_& m) {
       },
       py::arg("Edges"), Doc("Summaries::InitHistogram"));
   m.def(
-      "Add", [](THistogram& H, const InArray& X) { const TVec x = VecIn(X); Unlocked([&] { Add(H, x); }); },
+      "Add",
+      [](THistogram& H, const InArray& X) {
+        const TVec x = VecIn(X);
+        Unlocked([&] { Add(H, x); });
+      },
       py::arg("H"), py::arg("X"), Doc("Summaries::Add", 2));
   m.def(
-      "Merge", [](THistogram& H, const THistogram& Other) { Merge(H, Other); }, py::arg("H"), py::arg("Other"),
-      Doc("Summaries::Merge", 2));
+      "Merge", [](THistogram& H, const THistogram& Other) { Merge(H, Other); }, py::arg("H"),
+      py::arg("Other"), Doc("Summaries::Merge", 2));
 }
 
 void BindLeastSquares(py::module_& m) {
@@ -152,10 +174,12 @@ void BindLeastSquares(py::module_& m) {
            py::arg("Constant") = true, "An empty summary; Constant: a column of ones stands before A's.")
       .def_readonly("Constant", &TLeastSquares::Constant, "a column of ones stands before the columns of A")
       .def_readonly("Cols", &TLeastSquares::Cols, "columns of A")
-      .def_property_readonly("R", [](const TLeastSquares& s) { return MtxCopy(s.R); },
-                             "upper triangular factor of [D y] (about Shift)")
-      .def_property_readonly("Shift", [](const TLeastSquares& s) { return VecCopy(s.Shift); },
-                             "with Constant: subtracted from [A y] before factoring")
+      .def_property_readonly(
+          "R", [](const TLeastSquares& s) { return MtxCopy(s.R); },
+          "upper triangular factor of [D y] (about Shift)")
+      .def_property_readonly(
+          "Shift", [](const TLeastSquares& s) { return VecCopy(s.Shift); },
+          "with Constant: subtracted from [A y] before factoring")
       .def_readonly("Y", &TLeastSquares::Y, "moments of y")
       .def(py::pickle(
           [](const TLeastSquares& s) {
@@ -196,15 +220,17 @@ void BindLeastSquares(py::module_& m) {
 }
 
 void BindGroupMoments(py::module_& m) {
-  const py::handle Result = ResultType(m, "TANOVA1Result", "Table Signif",
-                                       "The one-way table (SS_B, SS_W, SS_T, df_B, df_W, df_T, MS_B, MS_W, F, "
-                                       "critical F) and the upper tail probability of F.");
+  const py::handle Result =
+      ResultType(m, "TANOVA1Result", "Table Signif",
+                 "The one-way table (SS_B, SS_W, SS_T, df_B, df_W, df_T, MS_B, MS_W, F, "
+                 "critical F) and the upper tail probability of F.");
   py::class_<TGroupMoments>(m, "TGroupMoments", "Moments of the values of every group, numbered 0, 1, ...")
       .def(py::init<>())
       .def_readonly("Groups", &TGroupMoments::Groups, "Groups[g] summarises group g")
       .def(py::pickle(
           [](const TGroupMoments& s) {
-            py::array_t<double> a({static_cast<py::ssize_t>(s.Groups.size()), static_cast<py::ssize_t>(kMomentFields)});
+            py::array_t<double> a(
+                {static_cast<py::ssize_t>(s.Groups.size()), static_cast<py::ssize_t>(kMomentFields)});
             auto w = a.mutable_unchecked<2>();
             for (py::ssize_t g = 0; g < w.shape(0); ++g) {
               const auto v = MomentState(s.Groups[static_cast<std::size_t>(g)]);
