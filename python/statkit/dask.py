@@ -140,16 +140,19 @@ def _histogram_result(h):
 
 def _edges(x, bins, range):
     """Histogram edges: bins itself when a sequence, else bins equal bins over range (by default
-    the data's least and largest finite values, found by an extra pass, as numpy.histogram does)."""
-    if not np.isscalar(bins):
-        return np.asarray(bins, dtype=np.float64)
-    if range is None:
-        finite = da.where(da.isfinite(x), x, np.nan)
-        range = dask.compute(da.nanmin(finite), da.nanmax(finite))
-    lo, hi = float(range[0]), float(range[1])
-    if lo == hi:
-        lo, hi = lo - 0.5, hi + 0.5
-    return np.linspace(lo, hi, operator.index(bins) + 1)
+    the data's least and largest finite values, found by an extra pass, as numpy.histogram does).
+    Bad edges are refused here, before any task runs."""
+    if np.isscalar(bins):
+        if range is None:
+            finite = da.where(da.isfinite(x), x, np.nan)
+            range = dask.compute(da.nanmin(finite), da.nanmax(finite))
+        lo, hi = float(range[0]), float(range[1])
+        if lo == hi:
+            lo, hi = lo - 0.5, hi + 0.5
+        bins = np.linspace(lo, hi, operator.index(bins) + 1)
+    edges = np.asarray(bins, dtype=np.float64)
+    Summaries.InitHistogram(edges)
+    return edges
 
 
 # --- the statistics ------------------------------------------------------------------
@@ -169,21 +172,21 @@ def describe(x, bins=100, range=None, split_every=SPLIT_EVERY):
     edges = _edges(x, bins, range)
     m, h = _compute(_pass([(b,) for b in x.to_delayed().ravel()], _moments_and_histogram, edges,
                           split_every=split_every))
-    mean = m.Mean if m.N > 0 else np.nan  # no values, no mean
+    mean, lo, hi = (m.Mean, m.Min, m.Max) if m.N > 0 else (np.nan,) * 3  # no values: no mean, no extremes
     return Description(int(m.N), mean, Summaries.StdDev(m), Summaries.Skewness(m), Summaries.Kurtosis(m),
-                       m.Min, m.Max, _histogram_result(h))
+                       lo, hi, _histogram_result(h))
 
 
 def histogram(x, edges, split_every=SPLIT_EVERY):
-    """Counts of the values of x (any shape) between the fixed edges (at least two, finite, ascending).
+    """Counts of the values of x (any shape) between the fixed edges (at least two, finite, ascending;
+    a number instead gives as many equal bins between the least and largest finite values).
 
     The bins are [edges[i], edges[i+1]), the last one closed; values outside the edges and NaNs
     are counted apart. Returns a Histogram; the counts are exact, whatever the chunks.
     """
     x = da.asarray(x)
-    Summaries.InitHistogram(np.asarray(edges, dtype=np.float64))  # refuses bad edges before any task runs
-    (h,) = _compute(_pass([(b,) for b in x.to_delayed().ravel()], _histogram_only,
-                          np.asarray(edges, dtype=np.float64), split_every=split_every))
+    (h,) = _compute(_pass([(b,) for b in x.to_delayed().ravel()], _histogram_only, _edges(x, edges, None),
+                          split_every=split_every))
     return _histogram_result(h)
 
 

@@ -149,3 +149,11 @@ def test_covariance_and_corrcoef_match_numpy():
     r = sd.corrcoef(x)
     np.testing.assert_allclose(r, np.corrcoef(C.T), rtol=1e-13, atol=1e-15)
     assert (np.diag(r) == 1.0).all()
+
+
+def test_describe_counts_nan_and_infinities_apart_and_no_values_give_nan():
+    d = sd.describe(da.from_array(np.array([np.nan, 1, 2, np.inf, 3, 3]), chunks=2), bins=4)  # finite range
+    assert d.histogram.edges.tolist() == [1, 1.5, 2, 2.5, 3] and d.histogram.counts.tolist() == [1, 0, 1, 2]
+    assert (d.count, d.histogram.above, d.histogram.nans) == (6, 1, 1) and np.isnan([d.mean, d.min, d.max]).all()
+    e = sd.describe(da.zeros(0, chunks=1), bins=[0.0, 1.0])
+    assert e.count == 0 and np.isnan([e.mean, e.sd, e.min, e.max]).all()
