@@ -124,7 +124,7 @@ def _comoments(x):
 
 def _least_squares(y, A, constant):
     s = Summaries.TLeastSquares(constant)
-    Summaries.Add(s, y, A.reshape(len(y), -1))
+    Summaries.Add(s, y, A[:, None] if A.ndim == 1 else A)
     return (s,)
 
 
