@@ -1,4 +1,280 @@
+// The mergeable summaries from Python: each summary is a class whose fields read as
+// floats and NumPy arrays (copies), extended by Add and Merge (module functions under
+// their C++ names) and pickled as plain floats and arrays, so it travels between
+// processes (Dask's workers) and merges there.
+
+#include <array>
+#include <string>
+
 #include "binding.h"
+
 namespace statkit::python {
-void BindSummaries(py::module_&) {}
+
+using namespace Summaries;
+
+namespace {
+
+// Owned copies of an array's elements: a summary outlives the caller's array.
+TVec OwnedVec(const InArray& a) {
+  const TVec view = VecIn(a);
+  TVec own(view);
+  return own;
+}
+TMtx OwnedMtx(const InArray& a) {
+  const TMtx view = MtxIn(a);
+  TMtx own(view);
+  return own;
+}
+
+py::array VecCopy(const TVec& v) { return VecOut(TVec(v)); }
+py::array MtxCopy(const TMtx& m) { return MtxOut(TMtx(m)); }
+
+void RequireState(const py::tuple& t, std::size_t size, const char* type) {
+  if (t.size() != size) throw py::value_error(std::string("invalid pickled state of ") + type);
+}
+
+constexpr std::size_t kMomentFields = 7;
+
+std::array<double, kMomentFields> MomentState(const TMoments& s) {
+  return {s.N, s.Mean, s.M2, s.M3, s.M4, s.Min, s.Max};
+}
+TMoments MomentsFrom(const double* v) { return TMoments{v[0], v[1], v[2], v[3], v[4], v[5], v[6]}; }
+
+void BindMoments(py::module_& m) {
+  py::class_<TMoments>(m, "TMoments", "Count, mean, central sums of powers 2 to 4, minimum and maximum.")
+      .def(py::init<>())
+      .def_readonly("N", &TMoments::N, "number of values")
+      .def_readonly("Mean", &TMoments::Mean, "their mean")
+      .def_readonly("M2", &TMoments::M2, "sum of (x - Mean)^2")
+      .def_readonly("M3", &TMoments::M3, "sum of (x - Mean)^3")
+      .def_readonly("M4", &TMoments::M4, "sum of (x - Mean)^4")
+      .def_readonly("Min", &TMoments::Min, "smallest value (NaN once a NaN was added)")
+      .def_readonly("Max", &TMoments::Max, "largest value (NaN once a NaN was added)")
+      .def(py::pickle([](const TMoments& s) { return py::tuple(py::cast(MomentState(s))); },
+                      [](const py::tuple& t) {
+                        RequireState(t, kMomentFields, "TMoments");
+                        const auto v = t.cast<std::array<double, kMomentFields>>();
+                        return MomentsFrom(v.data());
+                      }));
+  m.def(
+      "Add",
+      [](TMoments& S, const InArray& X) {
+        const TVec x = VecIn(X);
+        Unlocked([&] { Add(S, x); });
+      },
+      py::arg("S"), py::arg("X"), Doc("Summaries::Add", 0));
+  m.def(
+      "Merge", [](TMoments& S, const TMoments& Other) { Merge(S, Other); }, py::arg("S"), py::arg("Other"),
+      Doc("Summaries::Merge", 0));
+  m.def(
+      "Variance", [](const TMoments& S) { return Variance(S); }, py::arg("S"), Doc("Summaries::Variance"));
+  m.def(
+      "StdDev", [](const TMoments& S) { return StdDev(S); }, py::arg("S"), Doc("Summaries::StdDev"));
+  m.def(
+      "Skewness", [](const TMoments& S) { return Skewness(S); }, py::arg("S"), Doc("Summaries::Skewness"));
+  m.def(
+      "Kurtosis", [](const TMoments& S) { return Kurtosis(S); }, py::arg("S"), Doc("Summaries::Kurtosis"));
+}
+
+void BindCoMoments(py::module_& m) {
+  py::class_<TCoMoments>(m, "TCoMoments", "Count, column means and centred cross-product sums of rows.")
+      .def(py::init<>())
+      .def_readonly("N", &TCoMoments::N, "number of rows")
+      .def_property_readonly(
+          "Mean", [](const TCoMoments& s) { return VecCopy(s.Mean); }, "column means")
+      .def_property_readonly(
+          "C", [](const TCoMoments& s) { return MtxCopy(s.C); },
+          "C[j, k] = sum (x_j - Mean[j]) (x_k - Mean[k])")
+      .def(py::pickle([](const TCoMoments& s) { return py::make_tuple(s.N, VecCopy(s.Mean), MtxCopy(s.C)); },
+                      [](const py::tuple& t) {
+                        RequireState(t, 3, "TCoMoments");
+                        TCoMoments s;
+                        s.N = t[0].cast<double>();
+                        s.Mean = OwnedVec(t[1].cast<InArray>());
+                        s.C = OwnedMtx(t[2].cast<InArray>());
+                        return s;
+                      }));
+  m.def(
+      "Add",
+      [](TCoMoments& S, const InArray& X) {
+        const TMtx x = MtxIn(X);
+        Unlocked([&] { Add(S, x); });
+      },
+      py::arg("S"), py::arg("X"), Doc("Summaries::Add", 1));
+  m.def(
+      "Merge", [](TCoMoments& S, const TCoMoments& Other) { Unlocked([&] { Merge(S, Other); }); },
+      py::arg("S"), py::arg("Other"), Doc("Summaries::Merge", 1));
+  m.def(
+      "Covariance",
+      [](const TCoMoments& S, bool Biased) {
+        TMtx dst;
+        Unlocked([&] { Covariance(S, dst, Biased); });
+        return MtxOut(std::move(dst));
+      },
+      py::arg("S"), py::arg("Biased"), Doc("Summaries::Covariance"));
+}
+
+void BindHistogram(py::module_& m) {
+  py::class_<THistogram>(m, "THistogram", "Counts of values between fixed edges, below, above, and NaNs.")
+      .def(py::init<>())
+      .def_property_readonly(
+          "Edges", [](const THistogram& h) { return VecCopy(h.Edges); }, "bin edges")
+      .def_property_readonly(
+          "Counts", [](const THistogram& h) { return VecCopy(h.Counts); }, "count per bin")
+      .def_readonly("Below", &THistogram::Below, "values below Edges[0]")
+      .def_readonly("Above", &THistogram::Above, "values above the last edge")
+      .def_readonly("NaNs", &THistogram::NaNs, "NaN values")
+      .def(py::pickle(
+          [](const THistogram& h) {
+            return py::make_tuple(VecCopy(h.Edges), VecCopy(h.Counts), h.Below, h.Above, h.NaNs);
+          },
+          [](const py::tuple& t) {
+            RequireState(t, 5, "THistogram");
+            THistogram h;
+            h.Edges = OwnedVec(t[0].cast<InArray>());
+            h.Counts = OwnedVec(t[1].cast<InArray>());
+            h.Below = t[2].cast<double>(), h.Above = t[3].cast<double>(), h.NaNs = t[4].cast<double>();
+            return h;
+          }));
+  m.def(
+      "InitHistogram",
+      [](const InArray& Edges) {
+        const TVec e = VecIn(Edges);
+        THistogram h;
+        InitHistogram(h, e);
+        return h;
+      },
+      py::arg("Edges"), Doc("Summaries::InitHistogram"));
+  m.def(
+      "Add",
+      [](THistogram& H, const InArray& X) {
+        const TVec x = VecIn(X);
+        Unlocked([&] { Add(H, x); });
+      },
+      py::arg("H"), py::arg("X"), Doc("Summaries::Add", 2));
+  m.def(
+      "Merge", [](THistogram& H, const THistogram& Other) { Merge(H, Other); }, py::arg("H"),
+      py::arg("Other"), Doc("Summaries::Merge", 2));
+}
+
+void BindLeastSquares(py::module_& m) {
+  const py::handle RegStats = ResultType(m, "TRegStats", "ResidualVar R2 AdjustedR2 F SignifProb",
+                                         "The goodness of fit of a regression.");
+  const py::handle Fit = ResultType(m, "TLeastSquaresFit", "B BStdErr RegStats V",
+                                    "Coefficients, their standard errors, the regression statistics and "
+                                    "the coefficients' covariance matrix.");
+  py::class_<TLeastSquares>(m, "TLeastSquares",
+                            "A linear least-squares fit kept as the triangular QR factor of [D y] and the "
+                            "moments of y.")
+      .def(py::init([](bool Constant) {
+             TLeastSquares s;
+             s.Constant = Constant;
+             return s;
+           }),
+           py::arg("Constant") = true, "An empty summary; Constant: a column of ones stands before A's.")
+      .def_readonly("Constant", &TLeastSquares::Constant, "a column of ones stands before the columns of A")
+      .def_readonly("Cols", &TLeastSquares::Cols, "columns of A")
+      .def_property_readonly(
+          "R", [](const TLeastSquares& s) { return MtxCopy(s.R); },
+          "upper triangular factor of [D y] (about Shift)")
+      .def_property_readonly(
+          "Shift", [](const TLeastSquares& s) { return VecCopy(s.Shift); },
+          "with Constant: subtracted from [A y] before factoring")
+      .def_readonly("Y", &TLeastSquares::Y, "moments of y")
+      .def(py::pickle(
+          [](const TLeastSquares& s) {
+            return py::make_tuple(s.Constant, s.Cols, MtxCopy(s.R), VecCopy(s.Shift), MomentState(s.Y));
+          },
+          [](const py::tuple& t) {
+            RequireState(t, 5, "TLeastSquares");
+            TLeastSquares s;
+            s.Constant = t[0].cast<bool>();
+            s.Cols = t[1].cast<int>();
+            s.R = OwnedMtx(t[2].cast<InArray>());
+            s.Shift = OwnedVec(t[3].cast<InArray>());
+            s.Y = MomentsFrom(t[4].cast<std::array<double, kMomentFields>>().data());
+            return s;
+          }));
+  m.def(
+      "Add",
+      [](TLeastSquares& S, const InArray& y, const InArray& A) {
+        const TVec yv = VecIn(y);
+        const TMtx Am = MtxIn(A);
+        Unlocked([&] { Add(S, yv, Am); });
+      },
+      py::arg("S"), py::arg("y"), py::arg("A"), Doc("Summaries::Add", 3));
+  m.def(
+      "Merge", [](TLeastSquares& S, const TLeastSquares& Other) { Unlocked([&] { Merge(S, Other); }); },
+      py::arg("S"), py::arg("Other"), Doc("Summaries::Merge", 3));
+  m.def(
+      "LeastSquaresFit",
+      [RegStats, Fit](const TLeastSquares& S) {
+        TVec B, BStdErr;
+        TMtx V;
+        TRegStats r{};
+        Unlocked([&] { LeastSquaresFit(S, B, BStdErr, r, &V); });
+        return Fit(VecOut(std::move(B)), VecOut(std::move(BStdErr)),
+                   RegStats(r.ResidualVar, r.R2, r.AdjustedR2, r.F, r.SignifProb), MtxOut(std::move(V)));
+      },
+      py::arg("S"), Doc("Summaries::LeastSquaresFit"));
+}
+
+void BindGroupMoments(py::module_& m) {
+  const py::handle Result =
+      ResultType(m, "TANOVA1Result", "Table Signif",
+                 "The one-way table (SS_B, SS_W, SS_T, df_B, df_W, df_T, MS_B, MS_W, F, "
+                 "critical F) and the upper tail probability of F.");
+  py::class_<TGroupMoments>(m, "TGroupMoments", "Moments of the values of every group, numbered 0, 1, ...")
+      .def(py::init<>())
+      .def_readonly("Groups", &TGroupMoments::Groups, "Groups[g] summarises group g")
+      .def(py::pickle(
+          [](const TGroupMoments& s) {
+            py::array_t<double> a(
+                {static_cast<py::ssize_t>(s.Groups.size()), static_cast<py::ssize_t>(kMomentFields)});
+            auto w = a.mutable_unchecked<2>();
+            for (py::ssize_t g = 0; g < w.shape(0); ++g) {
+              const auto v = MomentState(s.Groups[static_cast<std::size_t>(g)]);
+              for (py::ssize_t j = 0; j < w.shape(1); ++j) w(g, j) = v[static_cast<std::size_t>(j)];
+            }
+            return py::make_tuple(a);
+          },
+          [](const py::tuple& t) {
+            RequireState(t, 1, "TGroupMoments");
+            const auto a = t[0].cast<InArray>();
+            if (a.ndim() != 2 || a.shape(1) != static_cast<py::ssize_t>(kMomentFields))
+              throw py::value_error("invalid pickled state of TGroupMoments");
+            TGroupMoments s;
+            for (py::ssize_t g = 0; g < a.shape(0); ++g) s.Groups.push_back(MomentsFrom(a.data(g, 0)));
+            return s;
+          }));
+  m.def(
+      "Add",
+      [](TGroupMoments& S, const InArray& Data, const InArray& GroupIndex) {
+        const TVec x = VecIn(Data), g = VecIn(GroupIndex);
+        Unlocked([&] { Add(S, x, g); });
+      },
+      py::arg("S"), py::arg("Data"), py::arg("GroupIndex"), Doc("Summaries::Add", 4));
+  m.def(
+      "Merge", [](TGroupMoments& S, const TGroupMoments& Other) { Merge(S, Other); }, py::arg("S"),
+      py::arg("Other"), Doc("Summaries::Merge", 4));
+  m.def(
+      "ANOVA1",
+      [Result](const TGroupMoments& S, double Alpha) {
+        double signif = 0.0;
+        const TANOVA1Table t = Unlocked([&] { return ANOVA1(S, signif, Alpha); });
+        return Result(py::array_t<double>(static_cast<py::ssize_t>(t.size()), t.data()), signif);
+      },
+      py::arg("S"), py::arg("Alpha") = 0.05, Doc("Summaries::ANOVA1"));
+}
+
+}  // namespace
+
+void BindSummaries(py::module_& m) {
+  BindMoments(m);
+  BindCoMoments(m);
+  BindHistogram(m);
+  BindLeastSquares(m);
+  BindGroupMoments(m);
+}
+
 }  // namespace statkit::python

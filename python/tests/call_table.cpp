@@ -31,7 +31,7 @@ void Put(Values& out, const statkit::TDenseKalpa& x) {
 int main() {
   using namespace calltable;
   std::vector<Row> rows;
-  for (auto part : {StatisticsRows, DistributionRows, RegressionRows, SeriesAndChartRows})
+  for (auto part : {StatisticsRows, DistributionRows, RegressionRows, SeriesAndChartRows, SummaryRows})
     for (Row& r : part()) rows.push_back(std::move(r));
   for (const Row& r : rows) {
     std::printf("%s", r.name.c_str());

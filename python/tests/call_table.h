@@ -33,5 +33,6 @@ std::vector<Row> StatisticsRows();
 std::vector<Row> DistributionRows();
 std::vector<Row> RegressionRows();
 std::vector<Row> SeriesAndChartRows();
+std::vector<Row> SummaryRows();
 
 }  // namespace calltable

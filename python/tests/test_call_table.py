@@ -7,10 +7,11 @@ import calls_distributions
 import calls_regression
 import calls_series_charts
 import calls_statistics
+import calls_summaries
 
 # name -> the same call as the row of that name in calls_*.cpp
 CALLS = {**calls_statistics.CALLS, **calls_distributions.CALLS, **calls_regression.CALLS,
-         **calls_series_charts.CALLS}
+         **calls_series_charts.CALLS, **calls_summaries.CALLS}
 
 
 def test_every_row_has_both_halves(cpp_results):
