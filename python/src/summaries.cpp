@@ -33,18 +33,23 @@ void RequireState(const py::tuple& t, std::size_t size, const char* type) {
   if (t.size() != size) throw py::value_error(std::string("invalid pickled state of ") + type);
 }
 
-constexpr std::size_t kMomentFields = 7;
+constexpr std::size_t kMomentFields = 8;
 
 std::array<double, kMomentFields> MomentState(const TMoments& s) {
-  return {s.N, s.Mean, s.M2, s.M3, s.M4, s.Min, s.Max};
+  return {s.N, s.Mean, s.MeanLow, s.M2, s.M3, s.M4, s.Min, s.Max};
 }
-TMoments MomentsFrom(const double* v) { return TMoments{v[0], v[1], v[2], v[3], v[4], v[5], v[6]}; }
+TMoments MomentsFrom(const double* v) {
+  TMoments s;
+  s.N = v[0], s.Mean = v[1], s.MeanLow = v[2], s.M2 = v[3], s.M3 = v[4], s.M4 = v[5], s.Min = v[6], s.Max = v[7];
+  return s;
+}
 
 void BindMoments(py::module_& m) {
   py::class_<TMoments>(m, "TMoments", "Count, mean, central sums of powers 2 to 4, minimum and maximum.")
       .def(py::init<>())
       .def_readonly("N", &TMoments::N, "number of values")
-      .def_readonly("Mean", &TMoments::Mean, "their mean")
+      .def_readonly("Mean", &TMoments::Mean, "their mean (rounded)")
+      .def_readonly("MeanLow", &TMoments::MeanLow, "what Mean lacks: the mean is Mean + MeanLow")
       .def_readonly("M2", &TMoments::M2, "sum of (x - Mean)^2")
       .def_readonly("M3", &TMoments::M3, "sum of (x - Mean)^3")
       .def_readonly("M4", &TMoments::M4, "sum of (x - Mean)^4")
@@ -157,6 +162,77 @@ void BindHistogram(py::module_& m) {
       py::arg("Other"), Doc("Summaries::Merge", 2));
 }
 
+// The refinement record of a least-squares fit: its doubles in one array, in
+// field order, for pickling.
+constexpr std::size_t kResidualScalars = 8;
+
+void BindResiduals(py::module_& m, py::handle RegStats, py::handle Fit) {
+  using R = TLeastSquaresResiduals;
+  py::class_<R>(m, "TLeastSquaresResiduals",
+                "Residual sums of the data of a least-squares summary against trial coefficients, in "
+                "double-double: the second pass that refines the fit.")
+      .def(py::init<>())
+      .def_readonly("Constant", &R::Constant, "a column of ones stands before the columns of A")
+      .def_property_readonly(
+          "B", [](const R& s) { return VecCopy(s.B); }, "the trial coefficients")
+      .def_readonly("N", &R::N, "number of rows added")
+      .def_property_readonly(
+          "G", [](const R& s) { return VecCopy(s.G); }, "D'r rounded to double")
+      .def_property_readonly(
+          "GLow", [](const R& s) { return VecCopy(s.GLow); }, "what G lacks")
+      .def_readonly("SSE", &R::SSE, "r'r rounded to double")
+      .def_readonly("SSELow", &R::SSELow, "what SSE lacks")
+      .def(py::pickle(
+          [](const R& s) {
+            const std::array<double, kResidualScalars> v{s.N,       s.SSE,  s.SSELow, s.YCentre,
+                                                         s.YSum,    s.YSumLow, s.YSS, s.YSSLow};
+            return py::make_tuple(s.Constant, VecCopy(s.B), VecCopy(s.G), VecCopy(s.GLow), v);
+          },
+          [](const py::tuple& t) {
+            RequireState(t, 5, "TLeastSquaresResiduals");
+            R s;
+            s.Constant = t[0].cast<bool>();
+            s.B = OwnedVec(t[1].cast<InArray>());
+            s.G = OwnedVec(t[2].cast<InArray>());
+            s.GLow = OwnedVec(t[3].cast<InArray>());
+            const auto v = t[4].cast<std::array<double, kResidualScalars>>();
+            s.N = v[0], s.SSE = v[1], s.SSELow = v[2], s.YCentre = v[3];
+            s.YSum = v[4], s.YSumLow = v[5], s.YSS = v[6], s.YSSLow = v[7];
+            return s;
+          }));
+  m.def(
+      "InitResiduals",
+      [](const TLeastSquares& Fit, const InArray& B) {
+        const TVec b = VecIn(B);
+        R s;
+        InitResiduals(s, Fit, b);
+        return s;
+      },
+      py::arg("Fit"), py::arg("B"), Doc("Summaries::InitResiduals"));
+  m.def(
+      "Add",
+      [](R& S, const InArray& y, const InArray& A) {
+        const TVec yv = VecIn(y);
+        const TMtx Am = MtxIn(A);
+        Unlocked([&] { Add(S, yv, Am); });
+      },
+      py::arg("S"), py::arg("y"), py::arg("A"), Doc("Summaries::Add", 4));
+  m.def(
+      "Merge", [](R& S, const R& Other) { Merge(S, Other); }, py::arg("S"), py::arg("Other"),
+      Doc("Summaries::Merge", 4));
+  m.def(
+      "LeastSquaresFit",
+      [RegStats, Fit](const TLeastSquares& S, const R& Residuals) {
+        TVec B, BStdErr;
+        TMtx V;
+        TRegStats r{};
+        Unlocked([&] { LeastSquaresFit(S, Residuals, B, BStdErr, r, &V); });
+        return Fit(VecOut(std::move(B)), VecOut(std::move(BStdErr)),
+                   RegStats(r.ResidualVar, r.R2, r.AdjustedR2, r.F, r.SignifProb), MtxOut(std::move(V)));
+      },
+      py::arg("S"), py::arg("Residuals"), Doc("Summaries::LeastSquaresFit", 1));
+}
+
 void BindLeastSquares(py::module_& m) {
   const py::handle RegStats = ResultType(m, "TRegStats", "ResidualVar R2 AdjustedR2 F SignifProb",
                                          "The goodness of fit of a regression.");
@@ -178,21 +254,26 @@ void BindLeastSquares(py::module_& m) {
           "R", [](const TLeastSquares& s) { return MtxCopy(s.R); },
           "upper triangular factor of [D y] (about Shift)")
       .def_property_readonly(
+          "RLow", [](const TLeastSquares& s) { return MtxCopy(s.RLow); },
+          "what R lacks: the factor is R + RLow (empty means zero)")
+      .def_property_readonly(
           "Shift", [](const TLeastSquares& s) { return VecCopy(s.Shift); },
           "with Constant: subtracted from [A y] before factoring")
       .def_readonly("Y", &TLeastSquares::Y, "moments of y")
       .def(py::pickle(
           [](const TLeastSquares& s) {
-            return py::make_tuple(s.Constant, s.Cols, MtxCopy(s.R), VecCopy(s.Shift), MomentState(s.Y));
+            return py::make_tuple(s.Constant, s.Cols, MtxCopy(s.R), MtxCopy(s.RLow), VecCopy(s.Shift),
+                                  MomentState(s.Y));
           },
           [](const py::tuple& t) {
-            RequireState(t, 5, "TLeastSquares");
+            RequireState(t, 6, "TLeastSquares");
             TLeastSquares s;
             s.Constant = t[0].cast<bool>();
             s.Cols = t[1].cast<int>();
             s.R = OwnedMtx(t[2].cast<InArray>());
-            s.Shift = OwnedVec(t[3].cast<InArray>());
-            s.Y = MomentsFrom(t[4].cast<std::array<double, kMomentFields>>().data());
+            s.RLow = OwnedMtx(t[3].cast<InArray>());
+            s.Shift = OwnedVec(t[4].cast<InArray>());
+            s.Y = MomentsFrom(t[5].cast<std::array<double, kMomentFields>>().data());
             return s;
           }));
   m.def(
@@ -217,6 +298,7 @@ void BindLeastSquares(py::module_& m) {
                    RegStats(r.ResidualVar, r.R2, r.AdjustedR2, r.F, r.SignifProb), MtxOut(std::move(V)));
       },
       py::arg("S"), Doc("Summaries::LeastSquaresFit"));
+  BindResiduals(m, RegStats, Fit);
 }
 
 void BindGroupMoments(py::module_& m) {
@@ -253,10 +335,10 @@ void BindGroupMoments(py::module_& m) {
         const TVec x = VecIn(Data), g = VecIn(GroupIndex);
         Unlocked([&] { Add(S, x, g); });
       },
-      py::arg("S"), py::arg("Data"), py::arg("GroupIndex"), Doc("Summaries::Add", 4));
+      py::arg("S"), py::arg("Data"), py::arg("GroupIndex"), Doc("Summaries::Add", 5));
   m.def(
       "Merge", [](TGroupMoments& S, const TGroupMoments& Other) { Merge(S, Other); }, py::arg("S"),
-      py::arg("Other"), Doc("Summaries::Merge", 4));
+      py::arg("Other"), Doc("Summaries::Merge", 5));
   m.def(
       "ANOVA1",
       [Result](const TGroupMoments& S, double Alpha) {

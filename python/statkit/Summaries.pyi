@@ -12,3 +12,95 @@ from statkit import StatProbPlots
 from statkit import StatTimeSerAnalysis
 from statkit import Statistics
 
+def ANOVA1(S: Summaries.TGroupMoments, Alpha: float = 0.05) -> Any: ...
+@overload
+def Add(S: Summaries.TMoments, X: NDArray[numpy.float64]) -> None: ...
+@overload
+def Add(S: Summaries.TCoMoments, X: NDArray[numpy.float64]) -> None: ...
+@overload
+def Add(H: Summaries.THistogram, X: NDArray[numpy.float64]) -> None: ...
+@overload
+def Add(S: Summaries.TLeastSquares, y: NDArray[numpy.float64], A: NDArray[numpy.float64]) -> None: ...
+@overload
+def Add(S: Summaries.TLeastSquaresResiduals, y: NDArray[numpy.float64], A: NDArray[numpy.float64]) -> None: ...
+@overload
+def Add(S: Summaries.TGroupMoments, Data: NDArray[numpy.float64], GroupIndex: NDArray[numpy.float64]) -> None: ...
+def Covariance(S: Summaries.TCoMoments, Biased: bool) -> NDArray[Any]: ...
+def InitHistogram(Edges: NDArray[numpy.float64]) -> Summaries.THistogram: ...
+def InitResiduals(Fit: Summaries.TLeastSquares, B: NDArray[numpy.float64]) -> Summaries.TLeastSquaresResiduals: ...
+def Kurtosis(S: Summaries.TMoments) -> float: ...
+@overload
+def LeastSquaresFit(S: Summaries.TLeastSquares) -> Any: ...
+@overload
+def LeastSquaresFit(S: Summaries.TLeastSquares, Residuals: Summaries.TLeastSquaresResiduals) -> Any: ...
+@overload
+def Merge(S: Summaries.TMoments, Other: Summaries.TMoments) -> None: ...
+@overload
+def Merge(S: Summaries.TCoMoments, Other: Summaries.TCoMoments) -> None: ...
+@overload
+def Merge(H: Summaries.THistogram, Other: Summaries.THistogram) -> None: ...
+@overload
+def Merge(S: Summaries.TLeastSquares, Other: Summaries.TLeastSquares) -> None: ...
+@overload
+def Merge(S: Summaries.TLeastSquaresResiduals, Other: Summaries.TLeastSquaresResiduals) -> None: ...
+@overload
+def Merge(S: Summaries.TGroupMoments, Other: Summaries.TGroupMoments) -> None: ...
+def Skewness(S: Summaries.TMoments) -> float: ...
+def StdDev(S: Summaries.TMoments) -> float: ...
+class TANOVA1Result(NamedTuple):
+    Table: Any
+    Signif: Any
+class TCoMoments:
+    C: Any
+    Mean: Any
+    N: Any
+    def __init__(self: Summaries.TCoMoments) -> None: ...
+class TGroupMoments:
+    Groups: Any
+    def __init__(self: Summaries.TGroupMoments) -> None: ...
+class THistogram:
+    Above: Any
+    Below: Any
+    Counts: Any
+    Edges: Any
+    NaNs: Any
+    def __init__(self: Summaries.THistogram) -> None: ...
+class TLeastSquares:
+    Cols: Any
+    Constant: Any
+    R: Any
+    RLow: Any
+    Shift: Any
+    Y: Any
+    def __init__(self: Summaries.TLeastSquares, Constant: bool = True) -> None: ...
+class TLeastSquaresFit(NamedTuple):
+    B: Any
+    BStdErr: Any
+    RegStats: Any
+    V: Any
+class TLeastSquaresResiduals:
+    B: Any
+    Constant: Any
+    G: Any
+    GLow: Any
+    N: Any
+    SSE: Any
+    SSELow: Any
+    def __init__(self: Summaries.TLeastSquaresResiduals) -> None: ...
+class TMoments:
+    M2: Any
+    M3: Any
+    M4: Any
+    Max: Any
+    Mean: Any
+    MeanLow: Any
+    Min: Any
+    N: Any
+    def __init__(self: Summaries.TMoments) -> None: ...
+class TRegStats(NamedTuple):
+    ResidualVar: Any
+    R2: Any
+    AdjustedR2: Any
+    F: Any
+    SignifProb: Any
+def Variance(S: Summaries.TMoments) -> float: ...

@@ -1,7 +1,7 @@
 """statkit's mergeable summaries over Dask arrays.
 
-Every function here reads each chunk of its arrays once (in one pass) where the
-chunk lives: a task summarises the chunk (moments, co-moments, a fixed-edge
+Every function here reads each chunk of its arrays once (in one pass; regress
+reads them twice by default) where the chunk lives: a task summarises the chunk (moments, co-moments, a fixed-edge
 histogram, the triangular QR factor of a least-squares fit, moments per group),
 a tree of tasks merges the summaries a few at a time, and the statistics come
 out of the one merged summary. Only summaries travel (a few hundred bytes,
@@ -128,6 +128,12 @@ def _least_squares(y, A, constant):
     return (s,)
 
 
+def _residuals(y, A, ls, coef):
+    r = Summaries.InitResiduals(ls, coef)
+    Summaries.Add(r, y, A[:, None] if A.ndim == 1 else A)
+    return (r,)
+
+
 def _group_moments(data, groups):
     s = Summaries.TGroupMoments()
     Summaries.Add(s, data, groups)
@@ -172,7 +178,7 @@ def describe(x, bins=100, range=None, split_every=SPLIT_EVERY):
     edges = _edges(x, bins, range)
     m, h = _compute(_pass([(b,) for b in x.to_delayed().ravel()], _moments_and_histogram, edges,
                           split_every=split_every))
-    mean, lo, hi = (m.Mean, m.Min, m.Max) if m.N > 0 else (np.nan,) * 3  # no values: no mean, no extremes
+    mean, lo, hi = (m.Mean + m.MeanLow, m.Min, m.Max) if m.N > 0 else (np.nan,) * 3  # no values: no mean, no extremes
     return Description(int(m.N), mean, Summaries.StdDev(m), Summaries.Skewness(m), Summaries.Kurtosis(m),
                        lo, hi, _histogram_result(h))
 
@@ -217,12 +223,15 @@ def corrcoef(x, split_every=SPLIT_EVERY):
     return r
 
 
-def regress(y, A, constant=True, split_every=SPLIT_EVERY):
+def regress(y, A, constant=True, refine=True, split_every=SPLIT_EVERY):
     """Linear least-squares regression of y on the columns of A, with its regression statistics.
 
     y: the n observations (1-D); A: n x k independent variables (a 1-D A is one column). The
     rows may be chunked at will (A is rechunked to y's rows); A's columns are put into one chunk.
     constant: a column of ones stands before the columns of A (the intercept is coef[0]).
+    refine: a second pass sums the residuals of the first fit in double-double and refines the
+      coefficients and the residual sum of squares by them, as the in-memory fit refines its
+      solution; without it a badly conditioned design (NIST's Wampler sets) loses digits.
     Returns a Regression with what Regress.MulLinRegress followed by Regress.RegressTest give:
     the coefficients, their standard errors, the TRegStats and the covariance matrix V. Each
     block's rows are factored by QR and the triangular factors merged by QR again (TSQR), so the
@@ -230,9 +239,10 @@ def regress(y, A, constant=True, split_every=SPLIT_EVERY):
     """
     blocks = _row_blocks([y, A], ["y", "A"], [(1,), (1, 2)], "LeastSquares: y.Length <> A.Rows")
     (ls,) = _compute(_pass(blocks, _least_squares, constant, split_every=split_every))
-    # A refinement pass goes here: the same blocks again, each task handed the first merged
-    # summary, _pass(blocks, refine, delayed(ls)), and its merged result passed to the fit.
     fit = Summaries.LeastSquaresFit(ls)
+    if refine:
+        (res,) = _compute(_pass(blocks, _residuals, ls, fit.B, split_every=split_every))
+        fit = Summaries.LeastSquaresFit(ls, res)
     return Regression(fit.B, fit.BStdErr, fit.RegStats, fit.V)
 
 

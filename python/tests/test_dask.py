@@ -10,7 +10,7 @@ import pytest
 from scipy import stats
 
 import statkit
-from statkit import Summaries as S
+from statkit import Regress, Summaries as S
 import statkit.dask as sd
 
 RTOL = 1e-12  # merges reorder sums of n terms: a few hundred eps at most, as in the C++ tests
@@ -130,14 +130,15 @@ def test_cluster_matches_in_memory_on_1e7_values_in_100_chunks(client):
     assert (d.histogram.counts == np.histogram(xm, 100, (0.0, 10.0))[0]).all()
 
     reg = sd.regress(y, A)
-    f = S.LeastSquaresFit(in_memory(S.TLeastSquares, S.Add, ym, Am))
-    np.testing.assert_allclose([*reg.coef, *reg.stderr, *reg.stats], [*f.B, *f.BStdErr, *f.RegStats], rtol=RTOL)
-    assert (abs(reg.cov - f.V) <= RTOL * np.sqrt(np.outer(np.diag(f.V), np.diag(f.V)))).all()
+    f = Regress.MulLinRegress(ym, Am, True)
+    t = Regress.RegressTest(ym, f.YCalc, f.V, True)
+    np.testing.assert_allclose([*reg.coef, *reg.stderr, *reg.stats], [*f.B, *t.BStdErr, *t.RegStats], rtol=RTOL)
+    assert (abs(reg.cov - t.V) <= RTOL * np.sqrt(np.outer(np.diag(t.V), np.diag(t.V)))).all()
     np.testing.assert_allclose(reg.coef, np.linalg.lstsq(np.column_stack([np.ones(n), Am]), ym, rcond=None)[0],
                                rtol=1e-9)
 
     a = sd.anova1(v, g)
-    t = S.ANOVA1(in_memory(S.TGroupMoments, S.Add, vm, gm), 0.05)
+    t = Regress.ANOVA1(vm, gm, 0.05)
     np.testing.assert_allclose([*a.table, a.signif], [*t.Table, t.Signif], rtol=RTOL, atol=0)
     ref = stats.f_oneway(*(vm[gm == k] for k in range(5)))
     np.testing.assert_allclose([a.table.f, a.signif], [ref.statistic, ref.pvalue], rtol=1e-7)
