@@ -50,6 +50,15 @@ TMtx MtxIn(const InArray& a);
 /// points at it, or is null when \p a is None.
 const TVec* OptVecIn(const OptArray& a, TVec& holder);
 
+/// Owned copies of an input's elements: for inputs the operation also writes
+/// (start values) and for objects that outlive the caller's array (summaries).
+TVec OwnedVec(const InArray& a);
+TMtx OwnedMtx(const InArray& a);
+
+/// Regression statistics as the named tuple Regress.TRegStats (one type for
+/// every unit that reports them).
+py::object RegStatsOut(const Regress::TRegStats& s);
+
 /// A NumPy array that takes over \p v's storage (no copy); complex vectors become complex128.
 py::array VecOut(TVec&& v);
 /// A two-dimensional NumPy array that takes over \p m's storage.

@@ -104,6 +104,17 @@ const TVec* OptVecIn(const OptArray& a, TVec& holder) {
   return &holder;
 }
 
+// The copy constructors copy the elements (a prvalue would only be the view itself).
+TVec OwnedVec(const InArray& a) {
+  const TVec view = VecIn(a);
+  return TVec(view);
+}
+
+TMtx OwnedMtx(const InArray& a) {
+  const TMtx view = MtxIn(a);
+  return TMtx(view);
+}
+
 py::array VecOut(TVec&& v) { return Adopt(std::move(v), {v.Length()}); }
 
 py::array MtxOut(TMtx&& m) { return Adopt(std::move(m), {m.Rows(), m.Cols()}); }

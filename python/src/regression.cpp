@@ -93,6 +93,9 @@ namespace statkit::python {
 
 namespace {
 
+// The named tuple type of the regression statistics, made by BindLinear (the module keeps it alive).
+py::handle gRegStats;
+
 using Pars = std::span<const double>;
 
 // Python callables called from inside the library. The library's protected block turns any exception
@@ -163,16 +166,6 @@ TDeriveFunction PythonDerive(const std::optional<py::function>& d, const py::fun
   };
 }
 
-// An owned copy of an input that the operation also writes (start values, V).
-TVec OwnedVec(const InArray& a) {
-  const TVec view = VecIn(a);
-  return TVec(view);
-}
-TMtx OwnedMtx(const InArray& a) {
-  const TMtx view = MtxIn(a);
-  return TMtx(view);
-}
-
 std::string WithNote(const char* doc, const char* note) {
   return std::string(doc) + "\n\nFrom Python: " + note;
 }
@@ -185,8 +178,8 @@ struct Fit {
 void BindLinear(py::module_& m) {
   const py::handle FitType = ResultType(m, "TFitResult", "B YCalc V",
                                         "Coefficients, fitted values and the unscaled matrix V = (D'WD)^-1.");
-  const py::handle Stats = ResultType(m, "TRegStats", "ResidualVar R2 AdjustedR2 F SignifProb",
-                                      "The goodness of fit of a regression.");
+  gRegStats = ResultType(m, "TRegStats", "ResidualVar R2 AdjustedR2 F SignifProb",
+                        "The goodness of fit of a regression.");
   const py::handle TestType =
       ResultType(m, "TRegressTestResult", "V RegStats Residuals BStdErr",
                  "The coefficients' covariance, the statistics, residuals and standard errors.");
@@ -227,7 +220,7 @@ void BindLinear(py::module_& m) {
   // Both C++ forms take the same inputs; the second's outputs contain the first's, so one function serves.
   m.def(
       "RegressTest",
-      [Stats, TestType](const InArray& Y, const InArray& YCalc, const InArray& V, bool Constant,
+      [TestType](const InArray& Y, const InArray& YCalc, const InArray& V, bool Constant,
                         const OptArray& Weights) {
         const TVec y = VecIn(Y), yc = VecIn(YCalc);
         TMtx v = OwnedMtx(V);
@@ -235,7 +228,7 @@ void BindLinear(py::module_& m) {
         const TVec* wp = OptVecIn(Weights, w);
         TRegStats s{};
         Unlocked([&] { RegressTest(y, yc, v, s, residuals, se, Constant, wp); });
-        return TestType(MtxOut(std::move(v)), Stats(s.ResidualVar, s.R2, s.AdjustedR2, s.F, s.SignifProb),
+        return TestType(MtxOut(std::move(v)), RegStatsOut(s),
                         VecOut(std::move(residuals)), VecOut(std::move(se)));
       },
       py::arg("Y"), py::arg("YCalc"), py::arg("V"), py::arg("Constant"), py::arg("Weights") = py::none(),
@@ -460,6 +453,10 @@ void BindCurve(py::module_& m, const std::string& name) {
 }
 
 }  // namespace
+
+py::object RegStatsOut(const Regress::TRegStats& s) {
+  return gRegStats(s.ResidualVar, s.R2, s.AdjustedR2, s.F, s.SignifProb);
+}
 
 void BindRegress(py::module_& m) {
   BindLinear(m);

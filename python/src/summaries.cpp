@@ -14,18 +14,6 @@ using namespace Summaries;
 
 namespace {
 
-// Owned copies of an array's elements: a summary outlives the caller's array.
-TVec OwnedVec(const InArray& a) {
-  const TVec view = VecIn(a);
-  TVec own(view);
-  return own;
-}
-TMtx OwnedMtx(const InArray& a) {
-  const TMtx view = MtxIn(a);
-  TMtx own(view);
-  return own;
-}
-
 py::array VecCopy(const TVec& v) { return VecOut(TVec(v)); }
 py::array MtxCopy(const TMtx& m) { return MtxOut(TMtx(m)); }
 
@@ -166,7 +154,7 @@ void BindHistogram(py::module_& m) {
 // field order, for pickling.
 constexpr std::size_t kResidualScalars = 8;
 
-void BindResiduals(py::module_& m, py::handle RegStats, py::handle Fit) {
+void BindResiduals(py::module_& m, py::handle Fit) {
   using R = TLeastSquaresResiduals;
   py::class_<R>(m, "TLeastSquaresResiduals",
                 "Residual sums of the data of a least-squares summary against trial coefficients, in "
@@ -222,20 +210,18 @@ void BindResiduals(py::module_& m, py::handle RegStats, py::handle Fit) {
       Doc("Summaries::Merge", 4));
   m.def(
       "LeastSquaresFit",
-      [RegStats, Fit](const TLeastSquares& S, const R& Residuals) {
+      [Fit](const TLeastSquares& S, const R& Residuals) {
         TVec B, BStdErr;
         TMtx V;
         TRegStats r{};
         Unlocked([&] { LeastSquaresFit(S, Residuals, B, BStdErr, r, &V); });
         return Fit(VecOut(std::move(B)), VecOut(std::move(BStdErr)),
-                   RegStats(r.ResidualVar, r.R2, r.AdjustedR2, r.F, r.SignifProb), MtxOut(std::move(V)));
+                   RegStatsOut(r), MtxOut(std::move(V)));
       },
       py::arg("S"), py::arg("Residuals"), Doc("Summaries::LeastSquaresFit", 1));
 }
 
 void BindLeastSquares(py::module_& m) {
-  const py::handle RegStats = ResultType(m, "TRegStats", "ResidualVar R2 AdjustedR2 F SignifProb",
-                                         "The goodness of fit of a regression.");
   const py::handle Fit = ResultType(m, "TLeastSquaresFit", "B BStdErr RegStats V",
                                     "Coefficients, their standard errors, the regression statistics and "
                                     "the coefficients' covariance matrix.");
@@ -289,16 +275,16 @@ void BindLeastSquares(py::module_& m) {
       py::arg("S"), py::arg("Other"), Doc("Summaries::Merge", 3));
   m.def(
       "LeastSquaresFit",
-      [RegStats, Fit](const TLeastSquares& S) {
+      [Fit](const TLeastSquares& S) {
         TVec B, BStdErr;
         TMtx V;
         TRegStats r{};
         Unlocked([&] { LeastSquaresFit(S, B, BStdErr, r, &V); });
         return Fit(VecOut(std::move(B)), VecOut(std::move(BStdErr)),
-                   RegStats(r.ResidualVar, r.R2, r.AdjustedR2, r.F, r.SignifProb), MtxOut(std::move(V)));
+                   RegStatsOut(r), MtxOut(std::move(V)));
       },
       py::arg("S"), Doc("Summaries::LeastSquaresFit"));
-  BindResiduals(m, RegStats, Fit);
+  BindResiduals(m, Fit);
 }
 
 void BindGroupMoments(py::module_& m) {

@@ -12,11 +12,6 @@ using namespace StatTimeSerAnalysis;
 namespace {
 
 // An owned copy of a NumPy vector, for C++ parameters that are read and then overwritten.
-TVec OwnedVec(const InArray& a) {
-  const TVec view = VecIn(a);
-  return TVec(view);
-}
-
 std::span<const double> Values(const TVec& v) { return {v.data(), static_cast<std::size_t>(v.Length())}; }
 
 void BindSmoothing(py::module_& m) {

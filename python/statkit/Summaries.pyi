@@ -97,10 +97,4 @@ class TMoments:
     Min: Any
     N: Any
     def __init__(self: Summaries.TMoments) -> None: ...
-class TRegStats(NamedTuple):
-    ResidualVar: Any
-    R2: Any
-    AdjustedR2: Any
-    F: Any
-    SignifProb: Any
 def Variance(S: Summaries.TMoments) -> float: ...
