@@ -56,8 +56,10 @@ TVec OwnedVec(const InArray& a);
 TMtx OwnedMtx(const InArray& a);
 
 /// Regression statistics as the named tuple Regress.TRegStats (one type for
-/// every unit that reports them).
+/// every unit that reports them, as for the one-way table below).
 py::object RegStatsOut(const Regress::TRegStats& s);
+/// A one-way table and its significance as the named tuple Regress.TANOVA1Result.
+py::object ANOVA1Out(const Regress::TANOVA1Table& t, double Signif);
 
 /// A NumPy array that takes over \p v's storage (no copy); complex vectors become complex128.
 py::array VecOut(TVec&& v);

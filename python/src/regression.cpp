@@ -93,8 +93,10 @@ namespace statkit::python {
 
 namespace {
 
-// The named tuple type of the regression statistics, made by BindLinear (the module keeps it alive).
+// The named tuple types of the regression statistics and of the one-way table, made by BindLinear
+// and BindAnova (the module keeps them alive).
 py::handle gRegStats;
+py::handle gANOVA1;
 
 using Pars = std::span<const double>;
 
@@ -243,28 +245,28 @@ py::array TableOut(const std::array<double, N>& t) {
 }
 
 void BindAnova(py::module_& m) {
-  const py::handle One =
-      ResultType(m, "TANOVA1Result", "Table Signif",
-                 "The one-way table (SS, df, MS, F, critical F) and the significance of F.");
+  gANOVA1 = ResultType(m, "TANOVA1Result", "Table Signif",
+                      "The one-way table (SS_B, SS_W, SS_T, df_B, df_W, df_T, MS_B, MS_W, F, critical F) "
+                      "and the upper tail probability of F.");
   const py::handle Two =
       ResultType(m, "TANOVA2Result", "Table SignifRows SignifCols SignifInteract",
                  "The two-way table and the significances (SignifInteract NaN without replication).");
   m.def(
       "ANOVA1",
-      [One](const InArray& Data, double Alpha) {
+      [](const InArray& Data, double Alpha) {
         const TMtx d = MtxIn(Data);
         double signif = 0;
         const TANOVA1Table t = Unlocked([&] { return ANOVA1(d, signif, Alpha); });
-        return One(TableOut(t), signif);
+        return ANOVA1Out(t, signif);
       },
       py::arg("Data"), py::arg("Alpha") = 0.05, Doc("Regress::ANOVA1", 0));
   m.def(
       "ANOVA1",
-      [One](const InArray& Data, const InArray& GroupIndex, double Alpha) {
+      [](const InArray& Data, const InArray& GroupIndex, double Alpha) {
         const TVec d = VecIn(Data), g = VecIn(GroupIndex);
         double signif = 0;
         const TANOVA1Table t = Unlocked([&] { return ANOVA1(d, g, signif, Alpha); });
-        return One(TableOut(t), signif);
+        return ANOVA1Out(t, signif);
       },
       py::arg("Data"), py::arg("GroupIndex"), py::arg("Alpha") = 0.05, Doc("Regress::ANOVA1", 1));
   m.def(
@@ -453,6 +455,8 @@ void BindCurve(py::module_& m, const std::string& name) {
 }
 
 }  // namespace
+
+py::object ANOVA1Out(const Regress::TANOVA1Table& t, double Signif) { return gANOVA1(TableOut(t), Signif); }
 
 py::object RegStatsOut(const Regress::TRegStats& s) {
   return gRegStats(s.ResidualVar, s.R2, s.AdjustedR2, s.F, s.SignifProb);

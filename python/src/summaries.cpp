@@ -288,10 +288,6 @@ void BindLeastSquares(py::module_& m) {
 }
 
 void BindGroupMoments(py::module_& m) {
-  const py::handle Result =
-      ResultType(m, "TANOVA1Result", "Table Signif",
-                 "The one-way table (SS_B, SS_W, SS_T, df_B, df_W, df_T, MS_B, MS_W, F, "
-                 "critical F) and the upper tail probability of F.");
   py::class_<TGroupMoments>(m, "TGroupMoments", "Moments of the values of every group, numbered 0, 1, ...")
       .def(py::init<>())
       .def_readonly("Groups", &TGroupMoments::Groups, "Groups[g] summarises group g")
@@ -327,10 +323,10 @@ void BindGroupMoments(py::module_& m) {
       py::arg("Other"), Doc("Summaries::Merge", 5));
   m.def(
       "ANOVA1",
-      [Result](const TGroupMoments& S, double Alpha) {
+      [](const TGroupMoments& S, double Alpha) {
         double signif = 0.0;
         const TANOVA1Table t = Unlocked([&] { return ANOVA1(S, signif, Alpha); });
-        return Result(py::array_t<double>(static_cast<py::ssize_t>(t.size()), t.data()), signif);
+        return ANOVA1Out(t, signif);
       },
       py::arg("S"), py::arg("Alpha") = 0.05, Doc("Summaries::ANOVA1"));
 }

@@ -47,9 +47,6 @@ def Merge(S: Summaries.TLeastSquaresResiduals, Other: Summaries.TLeastSquaresRes
 def Merge(S: Summaries.TGroupMoments, Other: Summaries.TGroupMoments) -> None: ...
 def Skewness(S: Summaries.TMoments) -> float: ...
 def StdDev(S: Summaries.TMoments) -> float: ...
-class TANOVA1Result(NamedTuple):
-    Table: Any
-    Signif: Any
 class TCoMoments:
     C: Any
     Mean: Any
