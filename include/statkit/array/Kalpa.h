@@ -139,6 +139,9 @@ protected:
   friend class PoolAccess;
 
 private:
+  // Self becomes a fixed-length view on len elements at base (kept alive by buf, if any).
+  void BecomeView(std::shared_ptr<detail::Buffer> buf, double* base, int len, bool complex);
+
   std::shared_ptr<detail::Buffer> buf_;
   double* base_ = nullptr;
   int length_ = 0;

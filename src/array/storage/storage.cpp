@@ -169,11 +169,8 @@ void TKalpa::SetFullRange() {
   }
 }
 
-void TKalpa::ShareFrom(const TKalpa& src, int index, int len) {
-  src.CheckRange(index, len);
-  auto buf = src.buf_;
-  double* base = src.base_ ? src.base_ + static_cast<std::size_t>(index) * (src.complex_ ? 2 : 1) : nullptr;
-  bool complex = src.complex_;
+// The arguments come by value: \p buf and \p base may be read from Self itself.
+void TKalpa::BecomeView(std::shared_ptr<detail::Buffer> buf, double* base, int len, bool complex) {
   buf_ = std::move(buf);
   base_ = base;
   length_ = len;
@@ -183,15 +180,15 @@ void TKalpa::ShareFrom(const TKalpa& src, int index, int len) {
   subRange_ = true;
 }
 
+void TKalpa::ShareFrom(const TKalpa& src, int index, int len) {
+  src.CheckRange(index, len);
+  double* base = src.base_ ? src.base_ + static_cast<std::size_t>(index) * (src.complex_ ? 2 : 1) : nullptr;
+  BecomeView(src.buf_, base, len, src.complex_);
+}
+
 void TKalpa::AttachExternal(double* data, int len) {
   if (len < 0 || (len > 0 && data == nullptr)) ERaise(msg::SizeMismatch);
-  buf_.reset();
-  base_ = data;
-  length_ = len;
-  complex_ = false;
-  narrowed_ = false;
-  fullBase_ = nullptr;
-  subRange_ = true;
+  BecomeView(nullptr, data, len, false);
 }
 
 void TKalpa::ReleaseShared() {
